@@ -1,0 +1,22 @@
+# Installs the library, its headers under include/vantor, the program, and what find_package(Vantor) needs to
+# offer Vantor::vantor. The installed tree can be moved as a whole.
+
+include(CMakePackageConfigHelpers)
+
+install(TARGETS vantor EXPORT VantorTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+        FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vantor)
+if(VANTOR_BUILD_CLI)
+    install(TARGETS vantor_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
+
+set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Vantor)
+install(EXPORT VantorTargets NAMESPACE Vantor:: DESTINATION ${package_folder})
+configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/VantorConfig.cmake.in"
+    "${PROJECT_BINARY_DIR}/VantorConfig.cmake" INSTALL_DESTINATION ${package_folder})
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/VantorConfigVersion.cmake"
+    COMPATIBILITY SameMajorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/VantorConfig.cmake" "${PROJECT_BINARY_DIR}/VantorConfigVersion.cmake"
+        DESTINATION ${package_folder})

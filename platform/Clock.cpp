@@ -1,0 +1,36 @@
+#include "platform/Clock.h"
+
+#include <thread>
+
+namespace Vantor::Platform {
+
+namespace {
+
+class SystemClock : public Clock {
+  public:
+    std::chrono::steady_clock::time_point Now() override { return std::chrono::steady_clock::now(); }
+
+    void Sleep(std::chrono::milliseconds duration) override {
+        if (duration.count() > 0) {
+            std::this_thread::sleep_for(duration);
+        } else {
+            std::this_thread::yield();
+        }
+    }
+};
+
+Clock*& CurrentClock() {
+    static SystemClock systemClock;
+    static Clock* current = &systemClock;
+    return current;
+}
+
+}  // namespace
+
+Clock& Clock::Current() { return *CurrentClock(); }
+
+ReplacedClock::ReplacedClock(Clock& clock) : fPrevious(CurrentClock()) { CurrentClock() = &clock; }
+
+ReplacedClock::~ReplacedClock() { CurrentClock() = fPrevious; }
+
+}  // namespace Vantor::Platform

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <chrono>
+
+namespace Vantor::Platform {
+
+// Time as the library sees it. Everything that waits, times out or stamps asks the current clock, so that a
+// test can put its own in place.
+class Clock {
+  public:
+    virtual ~Clock() = default;
+
+    // Time that only moves forward, for durations.
+    virtual std::chrono::steady_clock::time_point Now() = 0;
+
+    // Lets the thread rest. A duration of 0 gives the processor to whoever waits for it.
+    virtual void Sleep(std::chrono::milliseconds duration) = 0;
+
+    // The clock in use: the system's, unless a ReplacedClock is alive.
+    static Clock& Current();
+};
+
+// Puts another clock in place until destroyed; nested replacements end in reverse order.
+class ReplacedClock {
+  public:
+    // `clock` is not owned and must outlive this object.
+    explicit ReplacedClock(Clock& clock);
+    ~ReplacedClock();
+    ReplacedClock(const ReplacedClock&) = delete;
+    ReplacedClock& operator=(const ReplacedClock&) = delete;
+
+  private:
+    Clock* fPrevious;
+};
+
+}  // namespace Vantor::Platform

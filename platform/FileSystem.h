@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+// Every path that the platform takes is 8-bit text (see CodePage) with the platform's own separators. Names
+// are found without regard to the case of ASCII letters on every platform: a path that does not exist as
+// spelled stands for the one that does, and a new file is made in the folders that do.
+
+namespace Vantor::Platform {
+
+// When a file was last written: 100-nanosecond units since 1601-01-01 UTC, in two halves.
+struct FileTime {
+    uint32_t fLow = 0;
+    uint32_t fHigh = 0;
+
+    bool operator==(const FileTime&) const = default;
+};
+
+// The last-write time of a file or folder; none when the path names nothing that can be looked at.
+std::optional<FileTime> GetLastWriteTime(const std::string& path);
+
+// True when the path names an existing file or folder.
+bool PathExists(const std::string& path);
+
+// True when the path names an existing folder.
+bool IsFolder(const std::string& path);
+
+// True when both paths name the same existing file, however they are spelled.
+bool IsSameFile(const std::string& first, const std::string& second);
+
+// Removes a file (never a folder). Throws FileException, also when there is none.
+void RemoveFile(const std::string& path);
+
+// Gives a file another path, in place of a file that may be there. Across volumes the bytes are copied to a
+// neighbour of the target first, so that nobody finds half a file there and a failure leaves the target as
+// it was. Throws FileException; the source is then still in place.
+//
+// The file keeps its last-write time. Close both files first: Windows neither moves nor replaces one that is
+// open. A source that cannot be removed once it is copied, as on a read-only medium, stays without failure.
+void MoveFileReplacing(const std::string& from, const std::string& to);
+
+// Creates an empty file with a name of its own in the system's folder for temporary files and gives its
+// path. The name starts with `prefix` (three letters). Throws FileException.
+std::string MakeTemporaryFile(const std::string& prefix);
+
+}  // namespace Vantor::Platform

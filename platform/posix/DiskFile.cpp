@@ -1,0 +1,118 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <utility>
+
+#include "platform/File.h"
+#include "platform/posix/LockedFile.h"
+#include "platform/posix/SystemError.h"
+
+namespace Vantor::Platform {
+
+namespace {
+
+class DiskFile final : public File {
+  public:
+    DiskFile(Descriptor descriptor, FileAccess access, const std::string& path)
+        : fDescriptor(std::move(descriptor)), fAccess(access), fPath(path) {}
+
+    size_t Read(void* buffer, size_t count) override {
+        auto* const bytes = static_cast<char*>(buffer);
+        size_t done = 0;
+        while (done < count) {
+            const ssize_t got = RetryInterrupted(
+                [&] { return pread(fDescriptor.Get(), bytes + done, count - done, fPosition); });
+            if (got < 0) {
+                ThrowFileError(errno, fPath);
+            }
+            if (got == 0) {
+                break;
+            }
+            done += static_cast<size_t>(got);
+            fPosition += got;
+        }
+        return done;
+    }
+
+    void Write(const void* bytes, size_t count) override {
+        RequireWritable();
+        const auto* next = static_cast<const char*>(bytes);
+        while (count > 0) {
+            const ssize_t put =
+                RetryInterrupted([&] { return pwrite(fDescriptor.Get(), next, count, fPosition); });
+            if (put < 0) {
+                ThrowFileError(errno, fPath);
+            }
+            next += put;
+            count -= static_cast<size_t>(put);
+            fPosition += put;
+        }
+    }
+
+    void Seek(int64_t position) override {
+        RequireOffset(position);
+        fPosition = position;
+    }
+
+    int64_t GetPosition() override { return fPosition; }
+
+    int64_t GetLength() override {
+        struct stat state = {};
+        if (fstat(fDescriptor.Get(), &state) != 0) {
+            ThrowFileError(errno, fPath);
+        }
+        return state.st_size;
+    }
+
+    void SetLength(int64_t length) override {
+        RequireWritable();
+        RequireOffset(length);
+        if (RetryInterrupted([&] { return ftruncate(fDescriptor.Get(), length); }) != 0) {
+            ThrowFileError(errno, fPath);
+        }
+    }
+
+    void Flush() override {
+        const bool isDone = RetryInterrupted([&] { return fsync(fDescriptor.Get()); }) == 0;
+        // EINVAL and EROFS: a file system with nothing between it and its medium.
+        if (!isDone && errno != EINVAL && errno != EROFS) {
+            ThrowFileError(errno, fPath);
+        }
+    }
+
+    void Close() override {
+        if (!fDescriptor.Close() && errno != EINTR) {
+            ThrowFileError(errno, fPath);
+        }
+    }
+
+  private:
+    void RequireWritable() const {
+        if (fAccess == FileAccess::kRead) {
+            throw FileException(FileException::Cause::kAccessDenied, EBADF, fPath);
+        }
+    }
+
+    void RequireOffset(int64_t offset) const {
+        if (offset < 0) {
+            throw FileException(FileException::Cause::kBadSeek, EINVAL, fPath);
+        }
+    }
+
+    Descriptor fDescriptor;
+    FileAccess fAccess;
+    std::string fPath;      // as the file was opened
+    int64_t fPosition = 0;  // never negative; may be behind the end
+};
+
+}  // namespace
+
+std::unique_ptr<File> OpenDiskFile(const std::string& path, FileAccess access) {
+    return std::make_unique<DiskFile>(OpenLocked(path, access), access, path);
+}
+
+std::unique_ptr<File> CreateDiskFile(const std::string& path) {
+    return std::make_unique<DiskFile>(CreateLocked(path), FileAccess::kReadWrite, path);
+}
+
+}  // namespace Vantor::Platform

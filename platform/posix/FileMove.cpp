@@ -1,0 +1,147 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+
+#include "platform/File.h"
+#include "platform/FileSystem.h"
+#include "platform/posix/Descriptor.h"
+#include "platform/posix/PathLookup.h"
+#include "platform/posix/SystemError.h"
+
+namespace Vantor::Platform {
+
+namespace {
+
+constexpr size_t kCopyBufferSize = size_t{256} * 1024;
+constexpr mode_t kRightsMask = 07777;
+constexpr const char* kNeighbourName = "VNTXXXXXX.tmp";  // mkostemps replaces the X
+constexpr int kNeighbourSuffixLength = 4;
+
+// Symbolic links are moved and replaced themselves, so a link to nothing exists here.
+LookedUpPath LookUpEntry(const std::string& path) {
+    struct stat state = {};
+    if (lstat(path.c_str(), &state) == 0) {
+        return {path, Missing::kNothing};
+    }
+    return LookUpPath(path);
+}
+
+std::string FolderOf(const std::string& path) {
+    const size_t separator = path.rfind('/');
+    return separator == std::string::npos ? "." : path.substr(0, separator + 1);
+}
+
+// What was renamed is there for everybody at once, but after a power cut only when its folder has reached
+// the medium. Some file systems cannot do that for a folder; the move stands nevertheless.
+void FlushFolderOf(const std::string& path) {
+    const Descriptor folder(open(FolderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder.IsOpen()) {
+        fsync(folder.Get());
+    }
+}
+
+// The incomplete copy beside the target; removed unless it takes the target's place.
+class Neighbour {
+  public:
+    explicit Neighbour(const std::string& target) : fPath(FolderOf(target) + "/" + kNeighbourName) {
+        const Descriptor created(mkostemps(fPath.data(), kNeighbourSuffixLength, O_CLOEXEC));
+        if (!created.IsOpen()) {
+            ThrowFileError(errno, target);
+        }
+    }
+    ~Neighbour() {
+        if (!fPath.empty()) {
+            unlink(fPath.c_str());
+        }
+    }
+    Neighbour(const Neighbour&) = delete;
+    Neighbour& operator=(const Neighbour&) = delete;
+
+    const std::string& GetPath() const { return fPath; }
+
+    void TakePlaceOf(const std::string& target) {
+        if (rename(fPath.c_str(), target.c_str()) != 0) {
+            ThrowFileError(errno, target);
+        }
+        fPath.clear();
+    }
+
+  private:
+    std::string fPath;
+};
+
+void CopyBytes(File& source, File& copy) {
+    std::vector<char> buffer(kCopyBufferSize);
+    while (const size_t count = source.Read(buffer.data(), buffer.size())) {
+        copy.Write(buffer.data(), count);
+    }
+}
+
+// As a rename would keep them. A medium that has no such rights or times does without.
+void CopyRightsAndTimes(const std::string& from, const std::string& to) {
+    struct stat state = {};
+    if (stat(from.c_str(), &state) == 0) {
+        const timespec times[] = {state.st_atim, state.st_mtim};
+        chmod(to.c_str(), state.st_mode & kRightsMask);
+        utimensat(AT_FDCWD, to.c_str(), times, 0);
+    }
+}
+
+void FillNeighbour(const std::string& source, const std::string& neighbour) {
+    const std::unique_ptr<File> original = OpenDiskFile(source, FileAccess::kRead);
+    const std::unique_ptr<File> copy = OpenDiskFile(neighbour, FileAccess::kReadWrite);
+    CopyBytes(*original, *copy);
+    CopyRightsAndTimes(source, neighbour);
+    copy->Flush();
+    copy->Close();
+}
+
+void MoveToOtherVolume(const std::string& source, const std::string& target) {
+    Neighbour neighbour(target);
+    FillNeighbour(source, neighbour.GetPath());
+    neighbour.TakePlaceOf(target);
+    FlushFolderOf(target);
+    unlink(source.c_str());
+}
+
+void Move(const std::string& source, const std::string& target) {
+    if (rename(source.c_str(), target.c_str()) == 0) {
+        FlushFolderOf(target);
+        return;
+    }
+    if (errno != EXDEV) {
+        ThrowFileError(errno, target);
+    }
+    MoveToOtherVolume(source, target);
+}
+
+}  // namespace
+
+void MoveFileReplacing(const std::string& from, const std::string& to) {
+    const LookedUpPath source = LookUpEntry(from);
+    if (source.fMissing != Missing::kNothing) {
+        ThrowPathError(ENOENT, from);
+    }
+    const LookedUpPath target = LookUpEntry(to);
+    if (target.fMissing == Missing::kFolder) {
+        ThrowPathError(ENOENT, to);
+    }
+    struct stat replaced = {};
+    const bool isReplacing = stat(target.fPath.c_str(), &replaced) == 0 && S_ISREG(replaced.st_mode);
+    try {
+        Move(source.fPath, target.fPath);
+    } catch (const FileException& error) {
+        throw error.WithFileName(error.GetFileName() == source.fPath ? from : to);
+    }
+    // A file made as a temporary one is its maker's alone; in place of another it is for the same people.
+    if (isReplacing) {
+        chmod(target.fPath.c_str(), replaced.st_mode & kRightsMask);
+    } else {
+        NoteAdded(target.fPath);
+    }
+}
+
+}  // namespace Vantor::Platform

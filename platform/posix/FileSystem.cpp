@@ -1,0 +1,80 @@
+#include "platform/FileSystem.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cstdlib>
+
+#include "platform/posix/Descriptor.h"
+#include "platform/posix/PathLookup.h"
+#include "platform/posix/SystemError.h"
+
+namespace Vantor::Platform {
+
+namespace {
+
+constexpr int64_t kUnitsPerSecond = 10'000'000;
+constexpr int64_t kNanosecondsPerUnit = 100;
+constexpr int64_t kSecondsFrom1601To1970 = 11'644'473'600;
+constexpr int kHalfBits = 32;
+
+constexpr const char* kTemporaryFolderVariable = "TMPDIR";
+constexpr const char* kTemporaryFolder = "/tmp";
+constexpr const char* kUniquePart = "XXXXXX";  // what mkostemps replaces
+constexpr std::string_view kTemporarySuffix = ".tmp";
+
+bool GetState(const std::string& path, struct stat& state) {
+    return WithPathOnDisk(path, [&](const char* spelled) { return stat(spelled, &state); }) == 0;
+}
+
+std::string TemporaryFolder() {
+    const char* const folder = std::getenv(kTemporaryFolderVariable);
+    return folder != nullptr && *folder != '\0' ? folder : kTemporaryFolder;
+}
+
+}  // namespace
+
+std::optional<FileTime> GetLastWriteTime(const std::string& path) {
+    struct stat state = {};
+    if (!GetState(path, state)) {
+        return std::nullopt;
+    }
+    const int64_t units = (state.st_mtim.tv_sec + kSecondsFrom1601To1970) * kUnitsPerSecond +
+                          state.st_mtim.tv_nsec / kNanosecondsPerUnit;
+    return FileTime{static_cast<uint32_t>(units), static_cast<uint32_t>(units >> kHalfBits)};
+}
+
+bool PathExists(const std::string& path) {
+    struct stat state = {};
+    return GetState(path, state);
+}
+
+bool IsFolder(const std::string& path) {
+    struct stat state = {};
+    return GetState(path, state) && S_ISDIR(state.st_mode);
+}
+
+bool IsSameFile(const std::string& first, const std::string& second) {
+    struct stat firstState = {};
+    struct stat secondState = {};
+    return GetState(first, firstState) && GetState(second, secondState) &&
+           firstState.st_dev == secondState.st_dev && firstState.st_ino == secondState.st_ino;
+}
+
+void RemoveFile(const std::string& path) {
+    if (WithPathOnDisk(path, unlink) != 0) {
+        ThrowPathError(errno, path);
+    }
+}
+
+std::string MakeTemporaryFile(const std::string& prefix) {
+    std::string path = TemporaryFolder() + "/" + prefix + kUniquePart;
+    path += kTemporarySuffix;
+    const Descriptor created(mkostemps(path.data(), static_cast<int>(kTemporarySuffix.size()), O_CLOEXEC));
+    if (!created.IsOpen()) {
+        ThrowPathError(errno, path);
+    }
+    return path;
+}
+
+}  // namespace Vantor::Platform

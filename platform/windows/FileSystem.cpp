@@ -1,0 +1,78 @@
+#include "platform/FileSystem.h"
+
+#include <windows.h>
+
+#include <array>
+
+#include "platform/windows/Handle.h"
+#include "platform/windows/SystemError.h"
+
+namespace Vantor::Platform {
+
+namespace {
+
+std::optional<WIN32_FILE_ATTRIBUTE_DATA> GetAttributes(const std::string& path) {
+    WIN32_FILE_ATTRIBUTE_DATA attributes = {};
+    if (!GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &attributes)) {
+        return std::nullopt;
+    }
+    return attributes;
+}
+
+// What tells one file of the machine from all others.
+std::optional<BY_HANDLE_FILE_INFORMATION> GetIdentity(const std::string& path) {
+    constexpr DWORD kNoRights = 0;
+    const Handle handle(CreateFileA(path.c_str(), kNoRights,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    BY_HANDLE_FILE_INFORMATION identity = {};
+    if (!handle.IsOpen() || !GetFileInformationByHandle(handle.Get(), &identity)) {
+        return std::nullopt;
+    }
+    return identity;
+}
+
+}  // namespace
+
+std::optional<FileTime> GetLastWriteTime(const std::string& path) {
+    const auto attributes = GetAttributes(path);
+    if (!attributes) {
+        return std::nullopt;
+    }
+    return FileTime{attributes->ftLastWriteTime.dwLowDateTime, attributes->ftLastWriteTime.dwHighDateTime};
+}
+
+bool PathExists(const std::string& path) { return GetAttributes(path).has_value(); }
+
+bool IsFolder(const std::string& path) {
+    const auto attributes = GetAttributes(path);
+    return attributes && (attributes->dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+bool IsSameFile(const std::string& first, const std::string& second) {
+    const auto firstFile = GetIdentity(first);
+    const auto secondFile = GetIdentity(second);
+    return firstFile && secondFile && firstFile->dwVolumeSerialNumber == secondFile->dwVolumeSerialNumber &&
+           firstFile->nFileIndexHigh == secondFile->nFileIndexHigh &&
+           firstFile->nFileIndexLow == secondFile->nFileIndexLow;
+}
+
+void RemoveFile(const std::string& path) {
+    if (!DeleteFileA(path.c_str())) {
+        ThrowLastError(path);
+    }
+}
+
+std::string MakeTemporaryFile(const std::string& prefix) {
+    constexpr UINT kUniqueNumber = 0;
+    std::array<char, MAX_PATH + 1> folder = {};
+    std::array<char, MAX_PATH> path = {};
+    const DWORD length = GetTempPathA(static_cast<DWORD>(folder.size()), folder.data());
+    if (length == 0 || length > folder.size() ||
+        GetTempFileNameA(folder.data(), prefix.c_str(), kUniqueNumber, path.data()) == 0) {
+        ThrowLastError(folder.data());
+    }
+    return path.data();
+}
+
+}  // namespace Vantor::Platform
