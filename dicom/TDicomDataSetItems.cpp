@@ -1,0 +1,248 @@
+// Sequences and their items, which stay in the flat buffer: nothing is parsed into a tree.
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+#include <vector>
+
+#include "dicom/TDicomDataSet.h"
+#include "dicom/TDicomDataSetLayout.h"
+#include "dicom/TException.h"
+
+namespace Vantor {
+
+using namespace DataSetLayout;
+
+int32_t TDicomDataSet::SequenceHeaderSize() const { return fIsExplicit ? kLongHeaderSize : kShortHeaderSize; }
+
+bool TDicomDataSet::HasItemAt(int64_t offset) const {
+    Tag tag;
+    return ReadTagAt(offset, tag) && tag == Tags::kItem;
+}
+
+void TDicomDataSet::CheckSequence(int32_t offset, const Header& header) const {
+    // Implicit elements say nothing about themselves: any of them passes.
+    if (!fIsExplicit || header.fStoredVr == Vr::kSQ || HasItemAt(offset + header.fSize)) return;
+    throw new TException(ErrorNumbers::kSequenceStructure, "Not a sequence element");
+}
+
+// The header of a sequence, checked to be one.
+TDicomDataSet::Header TDicomDataSet::SequenceHeaderAt(int32_t offset) const {
+    CheckConstructed();
+    Header header;
+    if (!DecodeHeader(offset, header)) {
+        throw new TException(ErrorNumbers::kSequenceStructure, "Not a sequence element");
+    }
+    CheckSequence(offset, header);
+    return header;
+}
+
+bool TDicomDataSet::IsSequence(int32_t offset) const {
+    SequenceHeaderAt(offset);
+    return true;
+}
+
+// Gives the item whose content starts at an offset, unless it would reach past the used size. An item whose
+// delimiter is missing ends the walk: going on inside its content would find items that are none.
+bool TDicomDataSet::TakeItem(int64_t itemOffset, int32_t* itemOffsetOut, uint32_t* itemLengthOut) const {
+    if (itemOffset > fUsedSize) return false;
+    const auto offset = static_cast<int32_t>(itemOffset);
+    const uint32_t length = GetItemLength(offset);
+    const bool isUndefined = ReadNumber32(offset - kLengthSize) == kUndefinedLength;
+    const int64_t end = itemOffset + length + (isUndefined ? kDelimiterSize : 0);
+    if (end > fUsedSize) return false;
+    Tag delimiter;
+    if (isUndefined && !(ReadTagAt(itemOffset + length, delimiter) && delimiter == Tags::kItemDelimitation)) {
+        return false;
+    }
+    if (itemOffsetOut != nullptr) *itemOffsetOut = offset;
+    if (itemLengthOut != nullptr) *itemLengthOut = length;
+    return true;
+}
+
+bool TDicomDataSet::FindNextItem(int32_t sequenceOffset, int32_t previousItemOffset,
+                                 uint32_t previousItemLength, int32_t* itemOffset,
+                                 uint32_t* itemLength) const {
+    const Header sequence = SequenceHeaderAt(sequenceOffset);
+    const int64_t content = static_cast<int64_t>(sequenceOffset) + SequenceHeaderSize();
+    if (previousItemOffset == kFromStart) {
+        Tag tag;
+        if (!ReadTagAt(content, tag)) return false;
+        if (tag == Tags::kItem) return TakeItem(content + kItemHeaderSize, itemOffset, itemLength);
+        if (tag == Tags::kSequenceDelimitation && itemOffset != nullptr) {
+            *itemOffset = static_cast<int32_t>(content + kDelimiterSize);
+        }
+        return false;
+    }
+    if (previousItemOffset < kItemHeaderSize || previousItemOffset > fUsedSize) return false;
+    const bool hadDelimiter = ReadNumber32(previousItemOffset - kLengthSize) == kUndefinedLength;
+    const int64_t next = static_cast<int64_t>(previousItemOffset) + previousItemLength + kItemHeaderSize +
+                         (hadDelimiter ? kDelimiterSize : 0);
+    // An item counts by where its content starts, so an empty one at the very end is not seen. Hosts have
+    // always seen such sequences without it.
+    if (sequence.fRawLength != kUndefinedLength && content + sequence.fRawLength <= next) return false;
+    if (HasItemAt(next - kItemHeaderSize)) return TakeItem(next, itemOffset, itemLength);
+    if (itemOffset != nullptr && next <= fUsedSize) *itemOffset = static_cast<int32_t>(next);
+    return false;
+}
+
+int32_t TDicomDataSet::CountItemsInSequence(int32_t sequenceOffset) const {
+    int32_t count = 0;
+    int32_t itemOffset = kFromStart;
+    uint32_t itemLength = 0;
+    while (FindNextItem(sequenceOffset, itemOffset, itemLength, &itemOffset, &itemLength)) ++count;
+    return count;
+}
+
+uint32_t TDicomDataSet::GetItemLength(int32_t itemOffset) const {
+    CheckConstructed();
+    if (itemOffset < kItemHeaderSize || itemOffset > fUsedSize) return 0;
+    const uint32_t length = ReadNumber32(itemOffset - kLengthSize);
+    return length == kUndefinedLength ? MeasureItem(itemOffset) : length;
+}
+
+// Measures content of undefined length: an item's up to its delimiter, a sequence's up to and with its
+// delimiter. Content within content is kept on a list of its own rather than on the call stack, so that a
+// medium with a hundred thousand levels costs no more than its bytes.
+class TDicomDataSet::ContentMeasurer {
+  public:
+    explicit ContentMeasurer(const TDicomDataSet& dataSet) : fDataSet(dataSet) {}
+
+    uint32_t Measure(bool isItem, int64_t start) {
+        fContent = {isItem, start, start};
+        for (;;) {
+            const std::optional<int64_t> length = fContent.fIsItem ? StepInItem() : StepInSequence();
+            if (!length) continue;
+            if (fEnclosing.empty()) return static_cast<uint32_t>(*length);
+            ReturnToEnclosing(fContent.fStart + *length);
+        }
+    }
+
+  private:
+    struct Content {
+        bool fIsItem = false;
+        int64_t fStart = 0;
+        int64_t fPosition = 0;
+    };
+
+    // Passes one element of an item. The item's length at its end; 0 for one without delimiter, which inside
+    // other content leaves nothing to go on with.
+    std::optional<int64_t> StepInItem() {
+        const auto position = static_cast<int32_t>(std::min<int64_t>(fContent.fPosition, fDataSet.fUsedSize));
+        Header header;
+        if (!fDataSet.DecodeHeader(position, header) || header.fTag.fGroup > Tags::kItemDelimitation.fGroup) {
+            if (!fEnclosing.empty()) ThrowInvalidLength();
+            return 0;
+        }
+        if (header.fTag == Tags::kItemDelimitation) return position - fContent.fStart;
+        if (header.fTag.fGroup == Tags::kItemDelimitation.fGroup) {
+            throw new TException(ErrorNumbers::kSequenceStructure, "Unterminated item");
+        }
+        if (header.fRawLength == kUndefinedLength) {
+            fDataSet.CheckSequence(position, header);
+            Enter(false, position + header.fSize);
+        } else {
+            fContent.fPosition = fDataSet.StepInSearch(position, header);
+        }
+        return std::nullopt;
+    }
+
+    // Passes one item of a sequence. The sequence's length at its end.
+    std::optional<int64_t> StepInSequence() {
+        const int64_t itemContent = fContent.fPosition + kItemHeaderSize;
+        if (fDataSet.HasItemAt(fContent.fPosition) && itemContent <= fDataSet.fUsedSize) {
+            const uint32_t length = fDataSet.ReadNumber32(static_cast<int32_t>(itemContent) - kLengthSize);
+            if (length == kUndefinedLength) {
+                Enter(true, itemContent);
+            } else {
+                fContent.fPosition = itemContent + length;
+            }
+            return std::nullopt;
+        }
+        // Whatever stands behind the items is taken for their delimiter, but not where the first should be.
+        Tag tag;
+        const bool hasTag = fDataSet.ReadTagAt(fContent.fPosition, tag);
+        const bool isEmpty = fContent.fPosition == fContent.fStart;
+        if (!hasTag || (isEmpty && tag != Tags::kSequenceDelimitation)) ThrowInvalidLength();
+        return fContent.fPosition + kDelimiterSize - fContent.fStart;
+    }
+
+    void Enter(bool isItem, int64_t start) {
+        fEnclosing.push_back(fContent);
+        fContent = {isItem, start, start};
+    }
+
+    // Goes on behind content that ended. An item's delimiter is not part of its length, a sequence's is.
+    void ReturnToEnclosing(int64_t end) {
+        const bool wasItem = fContent.fIsItem;
+        fContent = fEnclosing.back();
+        fEnclosing.pop_back();
+        fContent.fPosition = wasItem ? end + kDelimiterSize : end;
+        if (!wasItem && end > fDataSet.fUsedSize) ThrowInvalidLength();
+    }
+
+    [[noreturn]] static void ThrowInvalidLength() {
+        throw new TException(ErrorNumbers::kRecordStructure, "Invalid DICOM element length.");
+    }
+
+    const TDicomDataSet& fDataSet;
+    Content fContent;
+    std::vector<Content> fEnclosing;
+};
+
+uint32_t TDicomDataSet::MeasureSequence(int32_t contentOffset) const {
+    return ContentMeasurer(*this).Measure(false, contentOffset);
+}
+
+uint32_t TDicomDataSet::MeasureItem(int32_t contentOffset) const {
+    return ContentMeasurer(*this).Measure(true, contentOffset);
+}
+
+// ---- Changing ----
+
+void TDicomDataSet::AddItem(int32_t sequenceOffset, const void* itemBytes, uint32_t itemLength) {
+    const Header sequence = SequenceHeaderAt(sequenceOffset);
+    const uint32_t oldLength = LengthOf(sequenceOffset, sequence);
+    const int64_t end = static_cast<int64_t>(sequenceOffset) + SequenceHeaderSize() + oldLength;
+    if (end > fUsedSize) {
+        throw new TException(ErrorNumbers::kRecordStructure, "Invalid DICOM element length.");
+    }
+    const int64_t size = static_cast<int64_t>(itemLength) + kItemHeaderSize;
+    EnsureCapacity(fUsedSize + size);
+    const auto item = static_cast<int32_t>(end);
+    OpenGap(item, size);
+    WriteNumber16(item, Tags::kItem.fGroup);
+    WriteNumber16(item + kElementField, Tags::kItem.fElement);
+    WriteNumber32(item + kTagSize, itemLength);
+    if (itemLength > 0) std::memcpy(fBuffer + item + kItemHeaderSize, itemBytes, itemLength);
+    WriteSequenceLength(sequenceOffset, static_cast<uint32_t>(oldLength + size));
+    AddToGroupLength(sequence.fTag.fGroup, size);
+}
+
+bool TDicomDataSet::DeleteItem(int32_t sequenceOffset, int32_t itemOffset, uint32_t itemLength) {
+    const Header sequence = SequenceHeaderAt(sequenceOffset);
+    const int64_t start = static_cast<int64_t>(itemOffset) - kItemHeaderSize;
+    if (!HasItemAt(start) || static_cast<int64_t>(itemOffset) + itemLength > fUsedSize) return false;
+    const bool hasDelimiter = ReadNumber32(itemOffset - kLengthSize) == kUndefinedLength;
+    const int64_t size =
+        static_cast<int64_t>(itemLength) + kItemHeaderSize + (hasDelimiter ? kDelimiterSize : 0);
+    CloseGap(static_cast<int32_t>(start), size);
+    if (sequence.fRawLength != kUndefinedLength) {
+        WriteSequenceLength(sequenceOffset, static_cast<uint32_t>(sequence.fRawLength - size));
+    }
+    AddToGroupLength(sequence.fTag.fGroup, -size);
+    return true;
+}
+
+void TDicomDataSet::WriteSequenceLength(int32_t sequenceOffset, uint32_t length) {
+    if (!fIsExplicit) {
+        WriteNumber32(sequenceOffset + kImplicitLengthField, length);
+        return;
+    }
+    fBuffer[sequenceOffset + kVrField] = 'S';
+    fBuffer[sequenceOffset + kVrField + 1] = 'Q';
+    WriteNumber16(sequenceOffset + kReservedField, 0);
+    WriteNumber32(sequenceOffset + kLongLengthField, length);
+}
+
+}  // namespace Vantor

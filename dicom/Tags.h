@@ -1,0 +1,69 @@
+#pragma once
+
+#include <compare>
+#include <cstdint>
+
+namespace Vantor {
+
+// The address of an element in a data set.
+struct Tag {
+    uint16_t fGroup = 0;
+    uint16_t fElement = 0;
+
+    constexpr auto operator<=>(const Tag&) const = default;
+};
+
+// The tags that the library reads or writes by name.
+namespace Tags {
+
+inline constexpr Tag kFileMetaInformationVersion{0x0002, 0x0001};
+inline constexpr Tag kMediaStorageSOPClassUID{0x0002, 0x0002};
+inline constexpr Tag kMediaStorageSOPInstanceUID{0x0002, 0x0003};
+inline constexpr Tag kTransferSyntaxUID{0x0002, 0x0010};
+inline constexpr Tag kImplementationClassUID{0x0002, 0x0012};
+
+inline constexpr Tag kSOPClassUID{0x0008, 0x0016};
+inline constexpr Tag kSOPInstanceUID{0x0008, 0x0018};
+inline constexpr Tag kStudyDate{0x0008, 0x0020};
+inline constexpr Tag kContentDate{0x0008, 0x0023};
+inline constexpr Tag kStudyTime{0x0008, 0x0030};
+inline constexpr Tag kContentTime{0x0008, 0x0033};
+inline constexpr Tag kAccessionNumber{0x0008, 0x0050};
+inline constexpr Tag kModality{0x0008, 0x0060};
+inline constexpr Tag kReferringPhysicianName{0x0008, 0x0090};
+inline constexpr Tag kStudyDescription{0x0008, 0x1030};
+inline constexpr Tag kSeriesDescription{0x0008, 0x103E};
+inline constexpr Tag kReferencedSOPClassUID{0x0008, 0x1150};
+inline constexpr Tag kReferencedSOPInstanceUID{0x0008, 0x1155};
+inline constexpr Tag kSourceImageSequence{0x0008, 0x2112};
+
+inline constexpr Tag kPatientName{0x0010, 0x0010};
+inline constexpr Tag kPatientID{0x0010, 0x0020};
+inline constexpr Tag kPatientBirthDate{0x0010, 0x0030};
+
+inline constexpr Tag kStudyInstanceUID{0x0020, 0x000D};
+inline constexpr Tag kSeriesInstanceUID{0x0020, 0x000E};
+inline constexpr Tag kStudyID{0x0020, 0x0010};
+inline constexpr Tag kSeriesNumber{0x0020, 0x0011};
+inline constexpr Tag kInstanceNumber{0x0020, 0x0013};
+
+inline constexpr Tag kSamplesPerPixel{0x0028, 0x0002};
+inline constexpr Tag kNumberOfFrames{0x0028, 0x0008};
+inline constexpr Tag kRows{0x0028, 0x0010};
+inline constexpr Tag kColumns{0x0028, 0x0011};
+inline constexpr Tag kBitsAllocated{0x0028, 0x0100};
+inline constexpr Tag kRedPaletteDescriptor{0x0028, 0x1101};
+inline constexpr Tag kLargeRedPaletteDescriptor{0x0028, 0x1111};
+
+inline constexpr Tag kReportStatus{0x0040, 0xA125};
+inline constexpr Tag kCompletionFlag{0x0040, 0xA491};
+inline constexpr Tag kVerificationFlag{0x0040, 0xA493};
+
+inline constexpr Tag kPixelData{0x7FE0, 0x0010};
+
+inline constexpr Tag kItem{0xFFFE, 0xE000};
+inline constexpr Tag kItemDelimitation{0xFFFE, 0xE00D};
+inline constexpr Tag kSequenceDelimitation{0xFFFE, 0xE0DD};
+
+}  // namespace Tags
+}  // namespace Vantor

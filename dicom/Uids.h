@@ -1,0 +1,25 @@
+#pragma once
+
+namespace Vantor {
+
+// The longest UID, in characters; fixed UID fields hold one more for the terminator.
+inline constexpr int kMaximumUidLength = 64;
+
+namespace Uids {
+
+inline constexpr char kImplicitVRLittleEndian[] = "1.2.840.10008.1.2";
+inline constexpr char kExplicitVRLittleEndian[] = "1.2.840.10008.1.2.1";
+inline constexpr char kExplicitVRBigEndian[] = "1.2.840.10008.1.2.2";
+
+inline constexpr char kBasicTextSR[] = "1.2.840.10008.5.1.4.1.1.88.11";
+inline constexpr char kEnhancedSR[] = "1.2.840.10008.5.1.4.1.1.88.22";
+inline constexpr char kComprehensiveSR[] = "1.2.840.10008.5.1.4.1.1.88.33";
+inline constexpr char kTrialTextSR[] = "1.2.840.10008.5.1.4.1.1.88.1";
+inline constexpr char kTrialAudioSR[] = "1.2.840.10008.5.1.4.1.1.88.2";
+inline constexpr char kTrialDetailSR[] = "1.2.840.10008.5.1.4.1.1.88.3";
+
+// Names this library as the writer of a file in (0002,0012).
+inline constexpr char kImplementationClass[] = "2.16.840.990017.100.98.19";
+
+}  // namespace Uids
+}  // namespace Vantor
