@@ -1,0 +1,43 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace VantorCli {
+
+// Standard output could not be written. `isClosed` when whoever read it has gone, as `| head` does: then
+// there is nobody left to tell.
+class OutputError : public std::runtime_error {
+  public:
+    OutputError(const std::string& what, bool isClosed) : std::runtime_error(what), fIsClosed(isClosed) {}
+    bool IsClosed() const { return fIsClosed; }
+
+  private:
+    bool fIsClosed;
+};
+
+// Standard output and standard error, in UTF-8. What is printed is held back until there is enough of it to
+// be worth a write, or until something is reported, so that both come in the order they were made.
+class Console {
+  public:
+    Console() = default;
+    Console(const Console&) = delete;
+    Console& operator=(const Console&) = delete;
+
+    // Prints a line on standard output. Throws OutputError.
+    void Print(std::string_view line);
+
+    // Writes what was held back. To be called at the end. Throws OutputError.
+    void Flush();
+
+    // Writes a line on standard error, after the program's name: "vantor: FILE: file not found".
+    void Report(std::string_view line);
+
+  private:
+    void Write();
+
+    std::string fHeldBack;
+};
+
+}  // namespace VantorCli

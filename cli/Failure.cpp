@@ -1,0 +1,46 @@
+#include "cli/Failure.h"
+
+#include <exception>
+#include <memory>
+#include <new>
+#include <string_view>
+
+#include "cli/Console.h"
+#include "cli/Text.h"
+#include "dicom/TException.h"
+#include "platform/CodePage.h"
+#include "platform/FileException.h"
+
+namespace VantorCli {
+
+namespace {
+
+// File errors name the file that the work was on, or what was read of it, such as "image data".
+std::string ReasonOf(const Vantor::Platform::FileException& error, const std::string& path) {
+    const std::string_view text = error.what();
+    const std::string prefix = path + ": ";
+    return std::string(text.starts_with(prefix) ? text.substr(prefix.size()) : text);
+}
+
+}  // namespace
+
+std::optional<std::string> FailureOf(const VantorWrappers::HostString& path,
+                                     const std::function<void()>& work) {
+    try {
+        work();
+        return std::nullopt;
+    } catch (const OutputError&) {
+        throw;
+    } catch (Vantor::TException* thrown) {
+        const std::unique_ptr<Vantor::TException> error(thrown);
+        return ToPrintable(error->GetErrorText());
+    } catch (const Vantor::Platform::FileException& error) {
+        return ToPrintable(ReasonOf(error, Vantor::Platform::FromHostText(path)));
+    } catch (const std::bad_alloc&) {
+        return "not enough memory";
+    } catch (const std::exception& error) {
+        return ToPrintable(error.what());
+    }
+}
+
+}  // namespace VantorCli

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/Command.h"
+#include "cli/Text.h"
+
+namespace VantorCli {
+
+// vantor info: the identifying attributes of files.
+class InfoCommand : public Command {
+  public:
+    CLI::App* AddTo(CLI::App& program) override;
+    ExitStatus Run(Console& console) override;
+
+  private:
+    bool RunOnFile(const HostString& path, Console& console);
+
+    std::vector<std::string> fFiles;
+    bool fIsJson = false;
+    bool fHasPrinted = false;
+};
+
+}  // namespace VantorCli

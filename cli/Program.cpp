@@ -1,0 +1,124 @@
+#include "cli/Program.h"
+
+#include <new>
+#include <string_view>
+
+#include "cli/DumpCommand.h"
+#include "cli/InfoCommand.h"
+#include "cli/Text.h"
+#include "host/Trace.h"
+
+namespace VantorCli {
+
+namespace {
+
+using VantorHost::TraceArea;
+using VantorHost::TraceLevel;
+
+constexpr TraceLevel kTraceLevels[] = {TraceLevel::kError, TraceLevel::kWarning, TraceLevel::kInfo,
+                                       TraceLevel::kVerbose};
+
+// What the command line library calls the absence of something that is required.
+constexpr char kRequiredError[] = "RequiredError";
+
+std::vector<std::string> TraceLevelNames() {
+    std::vector<std::string> names;
+    for (const TraceLevel level : kTraceLevels) {
+        names.emplace_back(NameOf(level));
+    }
+    return names;
+}
+
+}  // namespace
+
+Program::Program() : fApp("Vantor: DICOM media for review workstations", "vantor") {
+    fApp.set_version_flag("--version", "vantor " VANTOR_VERSION, "Show the version and exit");
+    fApp.set_help_flag("-h,--help", "Show this help and exit; each command has a help of its own");
+    fApp.add_option("--trace", fTraceLevel, "Show the library's trace lines up to this level")
+        ->type_name("LEVEL")
+        ->check(CLI::IsMember(TraceLevelNames()));
+    fApp.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    fApp.get_formatter()->label("Positionals", "Arguments");
+    fApp.get_formatter()->label("REQUIRED", "");
+    fApp.allow_windows_style_options(false);  // /exam/file.dcm is a path everywhere
+    fApp.require_subcommand(1);
+    fApp.fallthrough();
+    fApp.footer(
+        "The exit status is 0 when all is done, 1 when something failed, 2 for a wrong command line.\n"
+        "\n"
+        "Example:\n"
+        "  vantor info EXAM/IMAGE0001.dcm\n"
+        "  vantor info --help");
+    Add(std::make_unique<InfoCommand>());
+    Add(std::make_unique<DumpCommand>());
+}
+
+void Program::Add(std::unique_ptr<Command> command) {
+    CLI::App* app = command->AddTo(fApp);
+    app->group("Commands");
+    app->set_help_flag("-h,--help", "Show this help and exit");
+    app->footer(app->get_footer() + "\n\nvantor --help tells of --trace and of the exit status.");
+    fCommands.emplace_back(app, std::move(command));
+}
+
+ExitStatus Program::Run(int argumentCount, char** arguments) {
+    try {
+        fApp.parse(argumentCount, arguments);
+    } catch (const CLI::ParseError& error) {
+        return ReportParseError(error);
+    }
+    return RunGuarded();
+}
+
+// Help and version come as exceptions too; they are no errors.
+ExitStatus Program::ReportParseError(const CLI::ParseError& error) {
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+        return fApp.exit(error) == 0 ? ExitStatus::kDone : ExitStatus::kFailed;
+    }
+    const std::vector<CLI::App*> commands = fApp.get_subcommands();
+    const std::string command = commands.empty() ? "vantor" : "vantor " + commands[0]->get_name();
+    fConsole.Report(ToPrintable(ProblemOf(error)) + " (" + command + " --help tells more)");
+    return ExitStatus::kWrongUsage;
+}
+
+std::string Program::ProblemOf(const CLI::ParseError& error) const {
+    if (!fApp.get_subcommands().empty()) return error.what();
+    const std::vector<std::string> unknown = fApp.remaining();
+    if (!unknown.empty()) return "no such command or option: " + unknown.front();
+    return error.get_name() == kRequiredError ? "a command is required" : error.what();
+}
+
+void Program::StartTracing() {
+    if (fTraceLevel.empty()) return;
+    VantorHost::Trace::SetSink([this](TraceArea area, TraceLevel level, std::string_view text) {
+        fConsole.Report(std::string(NameOf(area)) + ": " + NameOf(level) + ": " + ToPrintable(text));
+    });
+    for (const TraceLevel level : kTraceLevels) {
+        if (fTraceLevel == NameOf(level)) VantorHost::Trace::SetLevelOfAllAreas(level);
+    }
+}
+
+ExitStatus Program::RunCommand() {
+    StartTracing();
+    ExitStatus status = ExitStatus::kDone;
+    for (const auto& [app, command] : fCommands) {
+        if (app->parsed()) status = command->Run(fConsole);
+    }
+    fConsole.Flush();
+    return status;
+}
+
+ExitStatus Program::RunGuarded() {
+    try {
+        return RunCommand();
+    } catch (const OutputError& error) {
+        if (!error.IsClosed()) fConsole.Report(error.what());
+    } catch (const std::bad_alloc&) {
+        fConsole.Report("not enough memory");
+    } catch (const std::exception& error) {
+        fConsole.Report(ToPrintable(error.what()));
+    }
+    return ExitStatus::kFailed;
+}
+
+}  // namespace VantorCli

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "cli/Command.h"
+#include "cli/Console.h"
+
+namespace VantorCli {
+
+// The program: its command line, and the run of the command that it asks for.
+class Program {
+  public:
+    Program();
+
+    ExitStatus Run(int argumentCount, char** arguments);
+
+  private:
+    void Add(std::unique_ptr<Command> command);
+    ExitStatus RunCommand();
+    ExitStatus RunGuarded();
+    ExitStatus ReportParseError(const CLI::ParseError& error);
+    std::string ProblemOf(const CLI::ParseError& error) const;
+    void StartTracing();
+
+    CLI::App fApp;
+    Console fConsole;
+    std::vector<std::pair<CLI::App*, std::unique_ptr<Command>>> fCommands;
+    std::string fTraceLevel;
+};
+
+}  // namespace VantorCli

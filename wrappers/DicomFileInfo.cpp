@@ -1,0 +1,380 @@
+#include "wrappers/DicomFileInfo.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <string_view>
+
+#include "dicom/TDicomFile.h"
+#include "dicom/TException.h"
+#include "dicom/TImageFile.h"
+#include "dicom/TSRFile.h"
+#include "dicom/TVRUtil.h"
+#include "dicom/Uids.h"
+#include "platform/CodePage.h"
+#include "platform/FileException.h"
+#include "wrappers/ValueText.h"
+
+namespace VantorWrappers {
+
+using Vantor::Tag;
+using Vantor::TDicomDataSet;
+using Vantor::TDicomFile;
+using Vantor::TException;
+using Vantor::TFileSpec;
+namespace Tags = Vantor::Tags;
+namespace Uids = Vantor::Uids;
+namespace ErrorNumbers = Vantor::ErrorNumbers;
+
+namespace {
+
+// How many bytes of a value count, as the standard limits its VR; numbers have room to spare.
+constexpr uint32_t kUidLength = Vantor::kMaximumUidLength;
+constexpr uint32_t kLongTextLength = 64;   // LO, PN
+constexpr uint32_t kShortTextLength = 16;  // SH, CS
+constexpr uint32_t kNumberLength = 256;
+constexpr uint32_t kDateLength = 10;  // with the two points of dates written before 1993
+constexpr uint32_t kTimeLength = 16;
+
+constexpr std::array<std::string_view, 6> kReportClasses = {Uids::kBasicTextSR,     Uids::kEnhancedSR,
+                                                            Uids::kComprehensiveSR, Uids::kTrialTextSR,
+                                                            Uids::kTrialAudioSR,    Uids::kTrialDetailSR};
+
+// What the text of a dump is first given room for, and the most that it can take.
+constexpr int32_t kFirstDumpCapacity = 65536;
+constexpr int32_t kLargestDumpCapacity = std::numeric_limits<int32_t>::max();
+
+// A file that is open for reading as long as this object lives.
+class OpenedFile {
+  public:
+    explicit OpenedFile(TDicomFile& file) : fFile(file) {
+        fFile.OpenFile(Vantor::Platform::FileAccess::kRead);
+    }
+    ~OpenedFile() { fFile.CloseFile(); }
+    OpenedFile(const OpenedFile&) = delete;
+    OpenedFile& operator=(const OpenedFile&) = delete;
+
+  private:
+    TDicomFile& fFile;
+};
+
+bool IsReportClass(std::string_view sopClassUID) {
+    return std::find(kReportClasses.begin(), kReportClasses.end(), sopClassUID) != kReportClasses.end();
+}
+
+// Reads a whole file. One that has no data set is no DICOM file to a host, which would find nothing in it.
+void ReadWhole(TDicomFile& file) {
+    const OpenedFile opened(file);
+    if (!file.ReadFile()) {
+        throw new TException(ErrorNumbers::kRecordStructure, "Invalid Dicom File");
+    }
+}
+
+// A damaged data set is of use as long as it tells which instance it is. One that does not, or that is
+// encoded in another way than its meta information says (deflated, for one), would pass for a file without
+// attributes.
+void CheckIdentity(const TDicomDataSet& dataSet) {
+    if (!dataSet.FindElement(Tags::kSOPInstanceUID)) dataSet.CountElements();
+}
+
+// ---- Values ----
+
+bool IsContinuationByte(char byte) { return (static_cast<uint8_t>(byte) & 0xC0) == 0x80; }
+
+// The number of bytes that a character of UTF-8 has, told by its first one; 1 for bytes that start none.
+size_t CharacterLength(char firstByte) {
+    const auto byte = static_cast<uint8_t>(firstByte);
+    if (byte >= 0xF0) return 4;
+    if (byte >= 0xE0) return 3;
+    return byte >= 0xC0 ? 2 : 1;
+}
+constexpr uint32_t kLongestCharacter = 4;
+
+// Where to cut a text that is longer than `maxLength`: there, or in front of the character of UTF-8 that
+// would be cut in two and make the whole text unreadable as UTF-8.
+size_t CutPosition(std::string_view text, size_t maxLength) {
+    size_t start = maxLength;
+    while (start > 0 && maxLength - start < kLongestCharacter && IsContinuationByte(text[start])) {
+        --start;
+    }
+    return start + CharacterLength(text[start]) > maxLength ? start : maxLength;
+}
+
+// Finds an element that is there whole: half a patient ID is another patient's. `value` may be null.
+bool FindWhole(const TDicomDataSet& dataSet, Tag tag, uint32_t& length, void* value, uint32_t capacity,
+               int32_t& offset) {
+    if (!dataSet.FindElement(tag, nullptr, &length, value, capacity, &offset)) return false;
+    if (dataSet.GetNextElementOffset(offset) == 0) {
+        throw new TException(ErrorNumbers::kRecordStructure,
+                             "Invalid DICOM element length, longer than the data set.");
+    }
+    return true;
+}
+
+// The first `maxLength` bytes of a value, up to a NUL; none when the element is absent. The bytes behind
+// them tell where a character ends.
+std::optional<std::string> ReadText(const TDicomDataSet* dataSet, Tag tag, uint32_t maxLength) {
+    if (dataSet == nullptr) return std::nullopt;
+    const uint32_t capacity = maxLength + kLongestCharacter;
+    std::string text(capacity, '\0');
+    uint32_t length = 0;
+    int32_t offset = 0;
+    if (!FindWhole(*dataSet, tag, length, text.data(), capacity, offset)) return std::nullopt;
+    text.resize(std::min(length, capacity));
+    text.resize(std::min(text.find('\0'), text.size()));
+    if (text.size() > maxLength) text.resize(CutPosition(text, maxLength));
+    return text;
+}
+
+// ---- Dumps ----
+
+int32_t Doubled(int32_t capacity) {
+    return capacity > kLargestDumpCapacity / 2 ? kLargestDumpCapacity : capacity * 2;
+}
+
+// A text of a data set's elements, as far as `capacity` and damage, if there is any, allow.
+std::string DumpInto(TDicomDataSet& dataSet, const std::string& dictionary, int32_t capacity,
+                     std::string& damage) {
+    std::string text(static_cast<size_t>(capacity), '\0');
+    try {
+        const int32_t size =
+            dataSet.Dump(0, text.data(), capacity, 0, dictionary.empty() ? nullptr : dictionary.data(),
+                         static_cast<uint32_t>(dictionary.size()));
+        text.resize(static_cast<size_t>(size));
+    } catch (TException* thrown) {
+        const std::unique_ptr<TException> error(thrown);
+        damage = error->GetErrorText();
+        text.resize(std::min(text.find('\0'), text.size()));  // a dump itself holds no NUL
+    }
+    return text;
+}
+
+// A full buffer may have cut the text, so it is made again with twice the room. Full is also a buffer with
+// one byte left: a byte in hexadecimal has two digits and is left out where only one fits.
+std::string DumpDataSet(TDicomDataSet& dataSet, const std::string& dictionary, std::string& damage) {
+    if (!dictionary.empty()) {
+        dataSet.SetDictionary(dictionary.data(), static_cast<uint32_t>(dictionary.size()));
+    }
+    for (int32_t capacity = kFirstDumpCapacity;; capacity = Doubled(capacity)) {
+        damage.clear();
+        std::string text = DumpInto(dataSet, dictionary, capacity, damage);
+        if (text.size() + 1 < static_cast<size_t>(capacity)) return text;
+        if (capacity == kLargestDumpCapacity) {
+            damage = "the text of all elements is too long";
+            return text;
+        }
+    }
+}
+
+}  // namespace
+
+// ---- Life ----
+
+DicomFileInfo::DicomFileInfo() { Initialize(); }
+
+DicomFileInfo::DicomFileInfo(const HostString& path) : fFilePath(path) {}
+
+DicomFileInfo::~DicomFileInfo() { Dispose(); }
+
+void DicomFileInfo::Initialize() {}
+
+void DicomFileInfo::Dispose() {
+    fDicomDataSet = nullptr;
+    fIsSR = false;
+    fIsImage = false;
+    fDicomFile.reset();
+    fImageFile.reset();
+    fSRFile.reset();
+}
+
+// ---- Reading ----
+
+TFileSpec DicomFileInfo::MakeFileSpec() const {
+    const std::string path = Vantor::Platform::FromHostText(fFilePath);
+    if (!TFileSpec::FitsPath(path)) {
+        using Vantor::Platform::FileException;
+        throw FileException(FileException::Cause::kBadPath, 0, path);
+    }
+    return TFileSpec(path);
+}
+
+void DicomFileInfo::Read() {
+    Dispose();
+    const TFileSpec fileSpec = MakeFileSpec();
+    if (ProbeForReport(fileSpec)) {
+        ReadAsReport(fileSpec);
+    } else if (!ReadAsImage(fileSpec)) {
+        ReadAsOther(fileSpec);
+    }
+}
+
+bool DicomFileInfo::ProbeForReport(const TFileSpec& fileSpec) {
+    fDicomFile = std::make_unique<TDicomFile>(0, fileSpec, 0);
+    const OpenedFile opened(*fDicomFile);
+    fDicomFile->ReadMetaHeader();
+    char sopClassUID[Vantor::kMaximumUidLength + 1] = {};
+    return fDicomFile->GetSOPClassUID(sopClassUID) && IsReportClass(sopClassUID);
+}
+
+void DicomFileInfo::ReadAsReport(const TFileSpec& fileSpec) {
+    fSRFile = std::make_unique<Vantor::TSRFile>(0, fileSpec);
+    ReadWhole(*fSRFile);
+    CheckIdentity(*fSRFile->GetDataSet());
+    fDicomDataSet = fSRFile->GetDataSet();
+    fIsSR = true;
+}
+
+// False for whatever reason the file cannot be read as an image: if the reason holds for any reader, the
+// next one meets it again and reports it.
+bool DicomFileInfo::ReadAsImage(const TFileSpec& fileSpec) {
+    try {
+        fImageFile = std::make_unique<Vantor::TImageFile>(0, fileSpec, 0);
+        const OpenedFile opened(*fImageFile);
+        fImageFile->ReadAllButPixels();
+        fDicomDataSet = fImageFile->GetDataSet();
+    } catch (TException* thrown) {
+        delete thrown;
+    } catch (...) {
+    }
+    fIsImage = fDicomDataSet != nullptr;
+    if (!fIsImage) fImageFile.reset();
+    return fIsImage;
+}
+
+void DicomFileInfo::ReadAsOther(const TFileSpec& fileSpec) {
+    fDicomFile = std::make_unique<TDicomFile>(0, fileSpec, 0);
+    ReadWhole(*fDicomFile);
+    CheckIdentity(*fDicomFile->GetDataSet());
+    fDicomDataSet = fDicomFile->GetDataSet();
+}
+
+// ---- Attributes ----
+
+HostString DicomFileInfo::GetUID() const { return GetString(Tags::kSOPInstanceUID, kUidLength); }
+
+HostString DicomFileInfo::GetSeriesUID() const { return GetString(Tags::kSeriesInstanceUID, kUidLength); }
+
+HostString DicomFileInfo::GetSeriesDescription() const {
+    return GetString(Tags::kSeriesDescription, kLongTextLength);
+}
+
+int32_t DicomFileInfo::GetSeriesNumber() const { return GetInt(Tags::kSeriesNumber); }
+
+HostString DicomFileInfo::GetStudyID() const { return GetString(Tags::kStudyID, kShortTextLength); }
+
+HostString DicomFileInfo::GetStudyUID() const { return GetString(Tags::kStudyInstanceUID, kUidLength); }
+
+HostString DicomFileInfo::GetStudyDescription() const {
+    return GetString(Tags::kStudyDescription, kLongTextLength);
+}
+
+HostString DicomFileInfo::GetAccessionNumber() const {
+    return GetString(Tags::kAccessionNumber, kShortTextLength);
+}
+
+HostString DicomFileInfo::GetReferringPhysician() const {
+    return GetString(Tags::kReferringPhysicianName, kLongTextLength);
+}
+
+HostString DicomFileInfo::GetModality() const { return GetString(Tags::kModality, kShortTextLength); }
+
+HostString DicomFileInfo::GetPatientName() const { return GetString(Tags::kPatientName, kLongTextLength); }
+
+HostString DicomFileInfo::GetPatientId() const { return GetString(Tags::kPatientID, kLongTextLength); }
+
+int32_t DicomFileInfo::GetImageNumber() const { return GetInt(Tags::kInstanceNumber); }
+
+int32_t DicomFileInfo::GetNumberOfFrames() const { return GetInt(Tags::kNumberOfFrames); }
+
+std::optional<HostDateTime> DicomFileInfo::GetStudyDate() const { return GetDate(Tags::kStudyDate); }
+
+std::optional<HostDateTime> DicomFileInfo::GetPatientBirthDate() const {
+    return GetDate(Tags::kPatientBirthDate);
+}
+
+std::optional<HostDateTime> DicomFileInfo::GetContentDate() const {
+    const std::optional<HostDateTime> date = GetDate(Tags::kContentDate);
+    return date ? date : GetStudyDate();
+}
+
+std::optional<HostDateTime> DicomFileInfo::GetStudyTime() const {
+    return GetTime(Tags::kStudyDate, Tags::kStudyTime);
+}
+
+std::optional<HostDateTime> DicomFileInfo::GetContentTime() const {
+    const std::optional<HostDateTime> time = GetTime(Tags::kContentDate, Tags::kContentTime);
+    return time ? time : GetStudyTime();
+}
+
+std::vector<HostString> DicomFileInfo::GetSourceImageClassUIDs() const {
+    return GetSourceImageUIDs(Tags::kReferencedSOPClassUID);
+}
+
+std::vector<HostString> DicomFileInfo::GetSourceImageInstanceUIDs() const {
+    return GetSourceImageUIDs(Tags::kReferencedSOPInstanceUID);
+}
+
+HostString DicomFileInfo::GetString(Tag tag, uint32_t maxLength) const {
+    return Vantor::Platform::ToHostText(ReadText(fDicomDataSet, tag, maxLength).value_or(std::string()));
+}
+
+int32_t DicomFileInfo::GetInt(Tag tag) const {
+    const std::optional<std::string> text = ReadText(fDicomDataSet, tag, kNumberLength);
+    return text ? ParseInteger(*text) : kNoInteger;
+}
+
+std::optional<HostDateTime> DicomFileInfo::GetDate(Tag tag) const {
+    const std::string text = ReadText(fDicomDataSet, tag, kDateLength).value_or(std::string());
+    const std::string_view stored = WithoutPadding(text);
+    if (stored.empty()) return std::nullopt;
+    char digits[Vantor::TVRUtil::kDateOutputSize] = {};
+    Vantor::TVRUtil().DicomDateToCString(text.c_str(), digits, sizeof(digits), Vantor::TVRUtil::kEightDigits);
+    const std::optional<HostDateTime> date = ParseDate(digits);
+    if (!date) throw FormatError("not a date: " + std::string(stored));
+    return date;
+}
+
+std::optional<HostDateTime> DicomFileInfo::GetTime(Tag dateTag, Tag timeTag) const {
+    const std::optional<HostDateTime> date = GetDate(dateTag);
+    const std::string text = ReadText(fDicomDataSet, timeTag, kTimeLength).value_or(std::string());
+    const std::string_view stored = WithoutPadding(text);
+    if (!date || stored.empty()) return std::nullopt;
+    const std::optional<std::chrono::seconds> timeOfDay = ParseTimeOfDay(stored);
+    if (!timeOfDay) throw FormatError("not a time: " + std::string(stored));
+    return *date + *timeOfDay;
+}
+
+std::vector<HostString> DicomFileInfo::GetSourceImageUIDs(Tag tag) const {
+    std::vector<HostString> uids;
+    uint32_t length = 0;
+    int32_t sequence = 0;
+    if (fDicomDataSet == nullptr ||
+        !FindWhole(*fDicomDataSet, Tags::kSourceImageSequence, length, nullptr, 0, sequence) || length == 0) {
+        return uids;
+    }
+
+    const int32_t count = fDicomDataSet->CountItemsInSequence(sequence);
+    int32_t itemOffset = TDicomDataSet::kFromStart;
+    uint32_t itemLength = 0;
+    for (int32_t i = 0; i < count; ++i) {
+        if (!fDicomDataSet->FindNextItem(sequence, itemOffset, itemLength, &itemOffset, &itemLength)) break;
+        const auto itemSize = static_cast<int32_t>(itemLength);
+        const TDicomDataSet item(fDicomDataSet->IsExplicit(), fDicomDataSet->IsBigEndian(),
+                                 fDicomDataSet->GetDataSet() + itemOffset, itemSize, itemSize);
+        if (const std::optional<std::string> uid = ReadText(&item, tag, kUidLength)) {
+            uids.push_back(Vantor::Platform::ToHostText(*uid));
+        }
+    }
+    return uids;
+}
+
+std::string DicomFileInfo::DumpElements(const std::string& dictionary, std::string& damage) const {
+    damage.clear();
+    TDicomFile file(0, MakeFileSpec(), 0);
+    ReadWhole(file);
+    std::string text = DumpDataSet(*file.GetMetaDataSet(), dictionary, damage);
+    if (damage.empty()) text += DumpDataSet(*file.GetDataSet(), dictionary, damage);
+    return text;
+}
+
+}  // namespace VantorWrappers
