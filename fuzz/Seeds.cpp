@@ -1,0 +1,105 @@
+// Writes a small seed corpus for every fuzz target: fuzz_seeds FOLDER makes FOLDER/<target>/<seed>.
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+
+#include "tests/support/FileBuilder.h"
+
+namespace {
+
+using namespace Vantor;
+using namespace VantorTest;
+
+constexpr char kJpegBaseline[] = "1.2.840.10008.1.2.4.50";
+
+class SeedFolder {
+  public:
+    explicit SeedFolder(std::filesystem::path root) : fRoot(std::move(root)) {}
+
+    void Write(const std::string& target, const std::string& name, const Bytes& content) const {
+        std::filesystem::create_directories(fRoot / target);
+        WriteWholeFile((fRoot / target / name).string(), content);
+    }
+
+  private:
+    std::filesystem::path fRoot;
+};
+
+struct Syntax {
+    const char* fName;
+    const char* fUid;
+    uint8_t fFlags;  // as DataSetFuzz takes them from its first byte
+};
+
+constexpr Syntax kSyntaxes[] = {{"explicit", Uids::kExplicitVRLittleEndian, 1},
+                                {"big", Uids::kExplicitVRBigEndian, 3},
+                                {"implicit", Uids::kImplicitVRLittleEndian, 0},
+                                {"implicit-named", Uids::kImplicitVRLittleEndian, 4}};
+
+void FillIdentity(ElementBuilder& data, const Bytes& item, ElementBuilder::Lengths lengths) {
+    data.Text(Tags::kSOPClassUID, Vr::kUI, FileBuilder::kSecondaryCapture)
+        .Text(Tags::kSOPInstanceUID, Vr::kUI, FileBuilder::kInstanceUID)
+        .Text(Tags::kContentDate, Vr::kDA, "20240315")
+        .Text(Tags::kModality, Vr::kCS, "SR")
+        .Sequence(Tags::kSourceImageSequence, {item, item}, lengths)
+        .Text(Tags::kPatientName, Vr::kPN, "Doe^Jane")
+        .Text({0x0021, 0x0010}, Vr::kLO, "QUANTIX")
+        .Value({0x0021, 0x10A6}, Vr::kUN, {1, 2, 3, 4});
+}
+
+void WriteDataSets(const SeedFolder& seeds) {
+    for (const Syntax& syntax : kSyntaxes) {
+        for (const auto lengths : {ElementBuilder::Lengths::kDefined, ElementBuilder::Lengths::kUndefined}) {
+            const Bytes inner = ElementBuilder(syntax.fUid).Text(Tags::kModality, Vr::kCS, "US").GetBytes();
+            const Bytes item =
+                ElementBuilder(syntax.fUid).Sequence(Tags::kSourceImageSequence, {inner}, lengths).GetBytes();
+            ElementBuilder data(syntax.fUid);
+            FillIdentity(data, item, lengths);
+            data.Numbers16({0x0028, 0x0010}, Vr::kUS, {2}).Value(Tags::kPixelData, Vr::kOW, {1, 2, 3, 4});
+            Bytes seed = {syntax.fFlags};
+            seed.insert(seed.end(), data.GetBytes().begin(), data.GetBytes().end());
+            const bool isDefined = lengths == ElementBuilder::Lengths::kDefined;
+            seeds.Write("DataSetFuzz", std::string(syntax.fName) + (isDefined ? "" : "-undefined"), seed);
+        }
+    }
+}
+
+void WriteFiles(const SeedFolder& seeds) {
+    for (const Syntax& syntax : kSyntaxes) {
+        const Bytes item = ElementBuilder(syntax.fUid).Text(Tags::kModality, Vr::kCS, "US").GetBytes();
+        FileBuilder file(syntax.fUid);
+        FillIdentity(file.Data(), item, ElementBuilder::Lengths::kDefined);
+        file.Data().Text({0x0028, 0x0008}, Vr::kIS, "2");
+        for (const char* target : {"MetaHeaderFuzz", "SRReaderFuzz"})
+            seeds.Write(target, syntax.fName, file.Build());
+        file.Data().Value(Tags::kPixelData, Vr::kOW, {1, 2, 3, 4, 5, 6, 7, 8});
+        seeds.Write("ImageReaderFuzz", syntax.fName, file.Build());
+    }
+    for (const bool hasTable : {false, true}) {
+        FileBuilder file(kJpegBaseline);
+        file.Data().Text({0x0028, 0x0008}, Vr::kIS, "2");
+        const std::vector<uint32_t> table = hasTable ? std::vector<uint32_t>{0, 12} : std::vector<uint32_t>{};
+        file.Data().EncapsulatedPixels(table, {{1, 2, 3, 4}, {5, 6}});
+        seeds.Write("ImageReaderFuzz", hasTable ? "jpeg-table" : "jpeg", file.Build());
+    }
+    FileBuilder palette;
+    palette.Data()
+        .Numbers16(Tags::kRedPaletteDescriptor, Vr::kUS, {0, 0, 16})
+        .Value({0x0028, 0x1201}, Vr::kOW, Bytes(64))
+        .Value(Tags::kPixelData, Vr::kOW, {1, 2});
+    seeds.Write("ImageReaderFuzz", "palette", palette.Build());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: fuzz_seeds FOLDER\n");
+        return 2;
+    }
+    const SeedFolder seeds{argv[1]};
+    WriteDataSets(seeds);
+    WriteFiles(seeds);
+    return 0;
+}
