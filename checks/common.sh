@@ -1,0 +1,36 @@
+# What the checks share. To be sourced; the repository's root is the working directory.
+
+set -eu -o pipefail
+
+fail() {
+    echo "$*" >&2
+    exit 1
+}
+
+# Every C++ file of the repository.
+cpp_files() {
+    find . -mindepth 1 \( -name '.*' -o -path ./build \) -prune -o -type f \( -name '*.cpp' -o -name '*.h' \) -print |
+        sort
+}
+
+# Configures build/PRESET, from scratch when it was made where the repository lay before: configure PRESET
+configure() {
+    local cache=build/$1/CMakeCache.txt fresh=()
+    if [ -f "$cache" ] && ! grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$PWD" "$cache"; then
+        fresh=(--fresh)
+    fi
+    cmake --preset "$1" "${fresh[@]}"
+}
+
+# Brings build/PRESET up to date with the sources: build PRESET [TARGET...]
+build() {
+    local preset=$1
+    shift
+    configure "$preset"
+    cmake --build "build/$preset" ${1:+--target "$@"}
+}
+
+# A DICOM file that is no work of ours; Debian's python3-pydicom brings it.
+foreign_dicom_file() {
+    dpkg -L python3-pydicom | grep '/CT_small\.dcm$' || fail "python3-pydicom brings no CT_small.dcm"
+}

@@ -1,0 +1,8 @@
+# holds: the unit tests pass as the library is shipped, optimised
+# packages: g++ cmake ninja-build ccache libgtest-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev
+# minutes: 30
+
+. checks/common.sh
+
+build release
+ctest --preset release
