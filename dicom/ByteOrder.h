@@ -18,7 +18,9 @@ inline void CopyNumber(void* destination, const void* source, uint32_t count, bo
         return;
     }
     const auto* bytes = static_cast<const uint8_t*>(source);
-    std::reverse_copy(bytes, bytes + std::min(count, kLargestNumber), static_cast<uint8_t*>(destination));
+    auto* reversed = static_cast<uint8_t*>(destination);
+    const uint32_t size = std::min(count, kLargestNumber);
+    for (uint32_t index = 0; index < size; ++index) reversed[index] = bytes[size - 1 - index];
 }
 
 // Copies whole units of 2, 4 or 8 bytes, each with its bytes reversed; a rest shorter than a unit is not

@@ -13,6 +13,15 @@ namespace Vantor {
 
 using namespace DataSetLayout;
 
+namespace {
+
+[[noreturn]] void ThrowPastTheEnd() {
+    throw new TException(ErrorNumbers::kRecordStructure,
+                         "Invalid DICOM element length, longer than the data set.");
+}
+
+}  // namespace
+
 TDicomDataSet::TDicomDataSet(bool isExplicit, bool isBigEndian, uint32_t initialSize, uint32_t growBy,
                              int32_t maxSize, uintptr_t context)
     : fIsExplicit(isExplicit),
@@ -87,6 +96,11 @@ void TDicomDataSet::SetDictionary(const char* text, uint32_t length) {
     fDictionary = text == nullptr ? nullptr : std::make_shared<const TDicomDictionary>(text, length);
 }
 
+uintptr_t TDicomDataSet::GetContext() const {
+    CheckConstructed();
+    return fContext;
+}
+
 // ---- Decoding ----
 
 uint16_t TDicomDataSet::ReadNumber16(int32_t offset) const {
@@ -137,7 +151,12 @@ bool TDicomDataSet::DecodeHeader(int32_t offset, Header& header) const {
         header.fRawLength = ReadNumber16(offset + kShortLengthField);
         return true;
     }
-    if (offset > fUsedSize - kLongHeaderSize) return false;
+    if (offset > fUsedSize - kLongHeaderSize) {
+        // The data set breaks off within the header: what is there names an element without a value.
+        header.fSize = fUsedSize - offset;
+        header.fRawLength = 0;
+        return true;
+    }
     header.fRawLength = ReadNumber32(offset + kLongLengthField);
     return true;
 }
@@ -157,18 +176,24 @@ uint32_t TDicomDataSet::LengthOf(int32_t offset, const Header& header) const {
     return MeasureSequence(offset + header.fSize);
 }
 
-int32_t TDicomDataSet::NextOffset(int32_t offset, const Header& header) const {
-    const int64_t end = static_cast<int64_t>(offset) + LengthOf(offset, header);
+int32_t TDicomDataSet::NextOffset(int32_t offset, const Header& header, uint32_t length) const {
+    const int64_t end = static_cast<int64_t>(offset) + length;
     // A header counts as a short one here, so that a last element may lack up to four bytes of its value.
     if (end + kShortHeaderSize > fUsedSize) return 0;
     return static_cast<int32_t>(end + header.fSize);
 }
 
 int32_t TDicomDataSet::StepInSearch(int32_t offset, const Header& header) const {
-    const int32_t next = NextOffset(offset, header);
+    const int32_t next = NextOffset(offset, header, LengthOf(offset, header));
     if (next > fUsedSize || next <= offset) {
         throw new TException(ErrorNumbers::kRecordStructure, "Invalid DICOM element length.");
     }
+    return next;
+}
+
+int32_t TDicomDataSet::StepInIteration(int32_t offset, const Header& header, uint32_t length) const {
+    const int32_t next = NextOffset(offset, header, length);
+    if (next <= offset) ThrowPastTheEnd();
     return next;
 }
 
@@ -187,7 +212,7 @@ uint32_t TDicomDataSet::GetElementLength(int32_t offset) const {
 int32_t TDicomDataSet::GetNextElementOffset(int32_t offset) const {
     CheckConstructed();
     Header header;
-    return DecodeHeader(offset, header) ? NextOffset(offset, header) : 0;
+    return DecodeHeader(offset, header) ? NextOffset(offset, header, LengthOf(offset, header)) : 0;
 }
 
 // ---- Searching and reading ----
@@ -228,12 +253,9 @@ bool TDicomDataSet::GetNextElement(int32_t offset, uint16_t* group, uint16_t* el
     Header header;
     int32_t next = 0;
     if (offset != kFromStart) {
-        if (offset == fUsedSize || !DecodeHeader(offset, header)) return false;
-        next = NextOffset(offset, header);
-        if (next <= offset) {
-            throw new TException(ErrorNumbers::kRecordStructure,
-                                 "Invalid DICOM element length, longer than the data set.");
-        }
+        if (offset == fUsedSize) return false;
+        if (!DecodeHeader(offset, header)) ThrowPastTheEnd();
+        next = StepInIteration(offset, header, LengthOf(offset, header));
     }
     if (!DecodeHeader(next, header)) return false;
     if (group != nullptr) *group = header.fTag.fGroup;
@@ -285,11 +307,13 @@ int32_t TDicomDataSet::CountElementsInGroup(uint16_t group) const {
     Header header;
     int32_t offset = 0;
     int32_t count = 0;
-    if (!FindGroupStart(group, offset, header)) return 0;
-    do {
+    bool isInGroup = FindGroupStart(group, offset, header);
+    while (isInGroup) {
         ++count;
-        offset = StepInSearch(offset, header);
-    } while (DecodeHeader(offset, header) && header.fTag.fGroup == group);
+        uint16_t next = 0;
+        isInGroup =
+            GetNextElement(offset, &next, nullptr, nullptr, nullptr, nullptr, 0, &offset) && next == group;
+    }
     return count;
 }
 

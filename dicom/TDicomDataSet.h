@@ -65,13 +65,14 @@ class TDicomDataSet {
 
     // Two values kept for the caller and not looked at.
     void SetUserValues(uintptr_t first, uintptr_t second);
-    uintptr_t GetContext() const { return fContext; }
+    uintptr_t GetContext() const;
 
     // ---- Elements ----
 
     // Finds an element at the top level (not inside items). True when found; then each output that is not
-    // null is filled: the VR, the value's length, as much of the value as `valueCapacity` allows (numbers in
-    // the machine's order, nothing terminated), and the element's offset. Throws TException 102 "Invalid
+    // null is filled: the VR, the value's length, as much of the value as
+    // `valueCapacity` allows and the buffer has (numbers in the machine's order, nothing terminated), and the
+    // element's offset. Throws TException 102 "Invalid
     // DICOM element length." when a length on the way leads outside the buffer.
     bool FindElement(uint16_t group, uint16_t element, VrCode* vr = nullptr, uint32_t* length = nullptr,
                      void* value = nullptr, uint32_t valueCapacity = 0, int32_t* offset = nullptr) const;
@@ -96,7 +97,8 @@ class TDicomDataSet {
     // numbers in the machine's order. The first element of a group brings a group length (gggg,0000) with
     // it, which is kept equal to the size of the group's other elements. CS values of up to 256 bytes are
     // stored in upper case. `offset`, when not null, is given the element's offset. Throws TException 100
-    // when there is no room.
+    // when there is no room, and 102 "Invalid DICOM element length." for a length that the element's header
+    // cannot hold (beyond 65,534 for VRs with 16 bits of length) or when the data set is damaged.
     //
     // In a big-endian data set hosts rely on the bytes as they have always been written: FL, UL and SL are
     // reversed in units of 8 bytes, so that a pair of values is exchanged as well and a single 4-byte value
@@ -161,12 +163,13 @@ class TDicomDataSet {
     // header) and its content's length.
 
     // True for a sequence: VR SQ, or a value that starts with an item. An implicit data set cannot tell and
-    // answers true for any element; an explicit one throws TException 101 "Not a sequence element".
+    // answers true for any element; an explicit one throws TException 101 "Not a sequence element", as both
+    // do for an offset where no element is.
     bool IsSequence(int32_t offset) const;
 
     // Steps to the item after the given one, or to the first (previousItemOffset kFromStart). False at the
-    // end, and for an item that lacks its delimiter or would reach past the used size. An empty last item of
-    // a sequence of defined length is not reported unless it is the only one.
+    // end, and for an item that lacks its delimiter or would reach past its sequence or the used size. An
+    // empty last item of a sequence of defined length is not reported unless it is the only one.
     bool FindNextItem(int32_t sequenceOffset, int32_t previousItemOffset, uint32_t previousItemLength,
                       int32_t* itemOffset, uint32_t* itemLength) const;
     int32_t CountItemsInSequence(int32_t sequenceOffset) const;
@@ -176,7 +179,8 @@ class TDicomDataSet {
     uint32_t GetItemLength(int32_t itemOffset) const;
 
     // Appends an item with a defined length. Meant for sequences of defined length: after an undefined one
-    // the item lands behind the delimiter and the length becomes defined. Throws TException 100.
+    // the item lands behind the delimiter and the length becomes defined. Throws TException 100 when there is
+    // no room, 101 for what is no sequence, and 102 for one that runs past the end.
     void AddItem(int32_t sequenceOffset, const void* itemBytes, uint32_t itemLength);
 
     // Removes an item. False, and no change, when there is no item at that offset.
@@ -189,16 +193,20 @@ class TDicomDataSet {
     void SetDictionary(const char* text, uint32_t length);
 
     // A new owning data set with the same elements in another transfer syntax, owned by the caller. Group
-    // lengths are made anew and undefined lengths become defined. An element of 65,536 bytes or more whose
-    // VR has a 16-bit length is dropped when the target is explicit; an element of unknown VR becomes UN
-    // there, or SQ when it holds items. Values are converted as they are read and written by FindElement
-    // and PutElement; between equal transfer syntaxes their bytes are copied unchanged.
+    // lengths are made anew and the lengths of sequences become defined. An element of more than 65,534 bytes
+    // whose VR has a 16-bit length is dropped when the target is explicit; an element of unknown VR becomes
+    // UN there, or SQ when its value is nothing but items. Values are converted as FindElement reads and
+    // PutElement writes them (so the pixel data of an implicit data set has its byte pairs exchanged on the
+    // way out); between equal transfer syntaxes their bytes are copied, with CS values in upper case and odd
+    // lengths padded. Throws what walking, growing and items throw.
     std::unique_ptr<TDicomDataSet> ConvertTo(bool isExplicit, bool isBigEndian, uint32_t initialSize,
                                              uint32_t growBy, int32_t maxSize, uintptr_t context) const;
 
     // Appends a text of every element, one a line, to `output` at `position`, cut at `capacity`, without a
-    // terminator, and gives the new position. `depth` indents by six spaces each. Items of sequences follow
-    // their element. With a dictionary text, names are shown.
+    // terminator, and gives the new position. `depth` indents by six spaces each. Items follow the
+    // line of their sequence, also of an implicit element of unknown VR whose value is nothing but items.
+    // With a dictionary text, names are shown. Throws TException 101 or 102 where the elements cannot be
+    // walked on; what was written up to there stays.
     int32_t Dump(int32_t depth, char* output, int32_t capacity, int32_t position,
                  const char* dictionary = nullptr, uint32_t dictionaryLength = 0) const;
 
@@ -227,8 +235,9 @@ class TDicomDataSet {
     void WriteNumber32(int32_t offset, uint32_t number);
     VrCode VrOf(const Header& header) const;
     uint32_t LengthOf(int32_t offset, const Header& header) const;
-    int32_t NextOffset(int32_t offset, const Header& header) const;
+    int32_t NextOffset(int32_t offset, const Header& header, uint32_t length) const;
     int32_t StepInSearch(int32_t offset, const Header& header) const;
+    int32_t StepInIteration(int32_t offset, const Header& header, uint32_t length) const;
     int32_t HeaderSizeFor(VrCode vr) const;
 
     // Searching and reading: TDicomDataSet.cpp.
@@ -251,7 +260,7 @@ class TDicomDataSet {
     void WriteValue(int32_t valueOffset, Tag tag, VrCode vr, uint32_t length, const void* value,
                     uint32_t valueCapacity, ValueForm form);
     void Remove(int32_t offset, const Header& header);
-    int32_t FindGroupLength(uint16_t group) const;
+    bool FindGroupLength(uint16_t group, int32_t& offset, Header& header) const;
     void AddToGroupLength(uint16_t group, int64_t difference);
     void EnsureCapacity(int64_t size);
     void Allocate(int64_t capacity);
@@ -266,11 +275,15 @@ class TDicomDataSet {
     bool HasItemAt(int64_t offset) const;
     void CheckSequence(int32_t offset, const Header& header) const;
     Header SequenceHeaderAt(int32_t offset) const;
-    bool TakeItem(int64_t itemOffset, int32_t* itemOffsetOut, uint32_t* itemLengthOut) const;
+    bool TakeItem(int64_t itemOffset, int32_t sequenceEnd, int32_t* itemOffsetOut,
+                  uint32_t* itemLengthOut) const;
     uint32_t MeasureSequence(int32_t contentOffset) const;
     uint32_t MeasureItem(int32_t contentOffset) const;
+    void MakeSequence(int32_t sequenceOffset);
     void WriteSequenceLength(int32_t sequenceOffset, uint32_t length);
-    bool HoldsItems(int32_t offset, const Header& header) const;
+    bool IsKnownSequence(const Header& header) const;
+    bool LooksLikeSequence(int32_t offset, const Header& header) const;
+    int64_t EndOfItems(int32_t sequenceOffset) const;
 
     // Converting: TDicomDataSetConvert.cpp.
     std::unique_ptr<TDicomDataSet> ConvertNested(bool isExplicit, bool isBigEndian, uint32_t initialSize,
@@ -282,8 +295,9 @@ class TDicomDataSet {
 
     // Dumping: TDicomDataSetDump.cpp.
     void DumpNested(int32_t depth, DumpSink& sink, int32_t nesting) const;
-    void DumpLine(int32_t depth, DumpSink& sink, int32_t offset, const Header& header, bool showsGroup) const;
-    void DumpValue(DumpSink& sink, int32_t offset, const Header& header) const;
+    void DumpLine(int32_t depth, DumpSink& sink, int32_t offset, const Header& header, uint32_t length,
+                  bool showsGroup) const;
+    void DumpValue(DumpSink& sink, int32_t offset, const Header& header, uint32_t length) const;
     void DumpItems(int32_t depth, DumpSink& sink, int32_t sequenceOffset, int32_t nesting) const;
 
     bool fIsExplicit;

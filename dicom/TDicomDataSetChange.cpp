@@ -97,19 +97,19 @@ void TDicomDataSet::CloseGap(int32_t offset, int64_t size) {
 
 // ---- Group lengths ----
 
-// The offset of a group's length element, −1 without one.
-int32_t TDicomDataSet::FindGroupLength(uint16_t group) const {
+bool TDicomDataSet::FindGroupLength(uint16_t group, int32_t& offset, Header& header) const {
     const Tag tag{group, kGroupLengthElement};
-    int32_t offset = fLastGroupLength;
-    Header header;
-    if (offset >= 0 && DecodeHeader(offset, header) && header.fTag == tag) return offset;
-    return FindHeader(tag, offset, header) ? offset : -1;
+    offset = fLastGroupLength;
+    if (offset >= 0 && DecodeHeader(offset, header) && header.fTag == tag) return true;
+    return FindHeader(tag, offset, header);
 }
 
 void TDicomDataSet::AddToGroupLength(uint16_t group, int64_t difference) {
-    const int32_t offset = FindGroupLength(group);
-    const int32_t value = offset + kShortHeaderSize;
-    if (offset < 0 || value + kGroupLengthValueSize > fUsedSize) return;
+    int32_t offset = 0;
+    Header header;
+    if (!FindGroupLength(group, offset, header) || header.fRawLength != kGroupLengthValueSize) return;
+    const int32_t value = offset + header.fSize;
+    if (value > fUsedSize - kGroupLengthValueSize) return;
     WriteNumber32(value, static_cast<uint32_t>(ReadNumber32(value) + difference));
 }
 

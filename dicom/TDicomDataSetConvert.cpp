@@ -44,17 +44,10 @@ std::unique_ptr<TDicomDataSet> TDicomDataSet::ConvertNested(bool isExplicit, boo
     return target;
 }
 
-// True for elements whose value is a list of items. In an implicit data set the value itself has to tell.
-bool TDicomDataSet::HoldsItems(int32_t offset, const Header& header) const {
-    const VrCode vr = VrOf(header);
-    if (vr == Vr::kSQ) return true;
-    const bool isUntold = !fIsExplicit && (vr == Vr::kNotKnown || vr == Vr::kUN);
-    return isUntold && header.fTag != Tags::kPixelData && HasItemAt(offset + header.fSize);
-}
-
 void TDicomDataSet::ConvertElement(int32_t offset, const Header& header, TDicomDataSet& target,
                                    int32_t nesting) const {
-    const bool holdsItems = HoldsItems(offset, header);
+    const bool isSameSyntax = target.fIsExplicit == fIsExplicit && target.fIsBigEndian == fIsBigEndian;
+    const bool holdsItems = IsKnownSequence(header) || (!isSameSyntax && LooksLikeSequence(offset, header));
     VrCode vr = holdsItems ? Vr::kSQ : VrOf(header);
     // An implicit element of unknown VR must not be stored under a VR that no reader knows.
     if (target.fIsExplicit && vr == Vr::kNotKnown) vr = Vr::kUN;
@@ -68,7 +61,7 @@ void TDicomDataSet::ConvertElement(int32_t offset, const Header& header, TDicomD
     if (target.fIsExplicit && !Vr::HasLongHeader(vr) && length > kLongestShortValue) return;
     const int32_t start = offset + header.fSize;
     const uint32_t available = std::min(length, static_cast<uint32_t>(fUsedSize - start));
-    if (target.fIsExplicit == fIsExplicit && target.fIsBigEndian == fIsBigEndian) {
+    if (isSameSyntax) {
         target.Put(header.fTag, vr, available, fBuffer + start, available, ValueForm::kEncoded, nullptr);
         return;
     }

@@ -73,6 +73,8 @@ struct TDicomDataSet::DumpSink {
         Text(kColumnGap);
     }
 
+    bool IsFull() const { return fPosition >= fCapacity; }
+
     char* fOutput;
     int32_t fCapacity;
     int32_t fPosition;
@@ -91,18 +93,22 @@ int32_t TDicomDataSet::Dump(int32_t depth, char* output, int32_t capacity, int32
 
 void TDicomDataSet::DumpNested(int32_t depth, DumpSink& sink, int32_t nesting) const {
     Header header;
-    int32_t offset = kFromStart;
+    int32_t offset = 0;
     int32_t previousGroup = -1;
-    while (GetNextElement(offset, nullptr, nullptr, nullptr, nullptr, nullptr, 0, &offset)) {
-        DecodeHeader(offset, header);
-        DumpLine(depth, sink, offset, header, header.fTag.fGroup != previousGroup);
+    // Callers come back with more room when it was too little, so what nobody would see costs no time.
+    while (!sink.IsFull() && DecodeHeader(offset, header)) {
+        const uint32_t length = LengthOf(offset, header);
+        DumpLine(depth, sink, offset, header, length, header.fTag.fGroup != previousGroup);
         previousGroup = header.fTag.fGroup;
-        if (HoldsItems(offset, header)) DumpItems(depth, sink, offset, nesting);
+        if (IsKnownSequence(header) || LooksLikeSequence(offset, header)) {
+            DumpItems(depth, sink, offset, nesting);
+        }
+        offset = StepInIteration(offset, header, length);
     }
 }
 
 void TDicomDataSet::DumpLine(int32_t depth, DumpSink& sink, int32_t offset, const Header& header,
-                             bool showsGroup) const {
+                             uint32_t length, bool showsGroup) const {
     const VrCode vr = VrOf(header);
     const char vrText[] = {static_cast<char>(vr >> 8), static_cast<char>(vr & 0xFF)};
     sink.Text(kColumnGap);
@@ -117,16 +123,15 @@ void TDicomDataSet::DumpLine(int32_t depth, DumpSink& sink, int32_t offset, cons
     sink.Text(kColumnGap);
     sink.Text({vrText, sizeof(vrText)});
     sink.Text(kColumnGap);
-    sink.Hex(LengthOf(offset, header));
+    sink.Hex(length);
     sink.Text(kColumnGap);
     sink.Name(header.fTag);
-    DumpValue(sink, offset, header);
+    DumpValue(sink, offset, header, length);
     sink.Text(kLineEnd);
 }
 
-void TDicomDataSet::DumpValue(DumpSink& sink, int32_t offset, const Header& header) const {
+void TDicomDataSet::DumpValue(DumpSink& sink, int32_t offset, const Header& header, uint32_t length) const {
     uint8_t value[kValueBufferSize] = {};
-    const uint32_t length = LengthOf(offset, header);
     const auto stored = static_cast<uint32_t>(fUsedSize - offset - header.fSize);
     const uint32_t available = std::min({length, kValueBufferSize, stored});
     ReadValue(offset, header, length, value, sizeof(value));
@@ -146,7 +151,7 @@ void TDicomDataSet::DumpItems(int32_t depth, DumpSink& sink, int32_t sequenceOff
     uint16_t number = 0;
     int32_t itemOffset = kFromStart;
     uint32_t itemLength = 0;
-    while (FindNextItem(sequenceOffset, itemOffset, itemLength, &itemOffset, &itemLength)) {
+    while (!sink.IsFull() && FindNextItem(sequenceOffset, itemOffset, itemLength, &itemOffset, &itemLength)) {
         sink.Indent(depth);
         sink.Text("        ======= Item ");
         sink.Hex(++number);

@@ -42,15 +42,18 @@ bool TDicomDataSet::IsSequence(int32_t offset) const {
     return true;
 }
 
-// Gives the item whose content starts at an offset, unless it would reach past the used size. An item whose
-// delimiter is missing ends the walk: going on inside its content would find items that are none.
-bool TDicomDataSet::TakeItem(int64_t itemOffset, int32_t* itemOffsetOut, uint32_t* itemLengthOut) const {
-    if (itemOffset > fUsedSize) return false;
+// Gives the item whose content starts at an offset, unless it would reach past the end of its sequence. An
+// item whose delimiter is missing ends the walk: going on inside its content would find items that are none,
+// and an item that reached into what follows would be met again there, by every level twice as often.
+bool TDicomDataSet::TakeItem(int64_t itemOffset, int32_t sequenceEnd, int32_t* itemOffsetOut,
+                             uint32_t* itemLengthOut) const {
+    if (itemOffset > sequenceEnd) return false;
     const auto offset = static_cast<int32_t>(itemOffset);
-    const uint32_t length = GetItemLength(offset);
+    const TDicomDataSet upToEnd(fIsExplicit, fIsBigEndian, fBuffer, sequenceEnd, sequenceEnd);
+    const uint32_t length = upToEnd.GetItemLength(offset);
     const bool isUndefined = ReadNumber32(offset - kLengthSize) == kUndefinedLength;
     const int64_t end = itemOffset + length + (isUndefined ? kDelimiterSize : 0);
-    if (end > fUsedSize) return false;
+    if (end > sequenceEnd) return false;
     Tag delimiter;
     if (isUndefined && !(ReadTagAt(itemOffset + length, delimiter) && delimiter == Tags::kItemDelimitation)) {
         return false;
@@ -65,10 +68,13 @@ bool TDicomDataSet::FindNextItem(int32_t sequenceOffset, int32_t previousItemOff
                                  uint32_t* itemLength) const {
     const Header sequence = SequenceHeaderAt(sequenceOffset);
     const int64_t content = static_cast<int64_t>(sequenceOffset) + SequenceHeaderSize();
+    const bool isDefined = sequence.fRawLength != kUndefinedLength;
+    const auto end = static_cast<int32_t>(
+        isDefined ? std::min<int64_t>(content + sequence.fRawLength, fUsedSize) : fUsedSize);
     if (previousItemOffset == kFromStart) {
         Tag tag;
         if (!ReadTagAt(content, tag)) return false;
-        if (tag == Tags::kItem) return TakeItem(content + kItemHeaderSize, itemOffset, itemLength);
+        if (tag == Tags::kItem) return TakeItem(content + kItemHeaderSize, end, itemOffset, itemLength);
         if (tag == Tags::kSequenceDelimitation && itemOffset != nullptr) {
             *itemOffset = static_cast<int32_t>(content + kDelimiterSize);
         }
@@ -80,8 +86,8 @@ bool TDicomDataSet::FindNextItem(int32_t sequenceOffset, int32_t previousItemOff
                          (hadDelimiter ? kDelimiterSize : 0);
     // An item counts by where its content starts, so an empty one at the very end is not seen. Hosts have
     // always seen such sequences without it.
-    if (sequence.fRawLength != kUndefinedLength && content + sequence.fRawLength <= next) return false;
-    if (HasItemAt(next - kItemHeaderSize)) return TakeItem(next, itemOffset, itemLength);
+    const bool isAtEnd = isDefined && content + sequence.fRawLength <= next;
+    if (!isAtEnd && HasItemAt(next - kItemHeaderSize)) return TakeItem(next, end, itemOffset, itemLength);
     if (itemOffset != nullptr && next <= fUsedSize) *itemOffset = static_cast<int32_t>(next);
     return false;
 }
@@ -215,6 +221,7 @@ void TDicomDataSet::AddItem(int32_t sequenceOffset, const void* itemBytes, uint3
     WriteNumber16(item + kElementField, Tags::kItem.fElement);
     WriteNumber32(item + kTagSize, itemLength);
     if (itemLength > 0) std::memcpy(fBuffer + item + kItemHeaderSize, itemBytes, itemLength);
+    MakeSequence(sequenceOffset);
     WriteSequenceLength(sequenceOffset, static_cast<uint32_t>(oldLength + size));
     AddToGroupLength(sequence.fTag.fGroup, size);
 }
@@ -234,15 +241,45 @@ bool TDicomDataSet::DeleteItem(int32_t sequenceOffset, int32_t itemOffset, uint3
     return true;
 }
 
-void TDicomDataSet::WriteSequenceLength(int32_t sequenceOffset, uint32_t length) {
-    if (!fIsExplicit) {
-        WriteNumber32(sequenceOffset + kImplicitLengthField, length);
-        return;
-    }
-    fBuffer[sequenceOffset + kVrField] = 'S';
-    fBuffer[sequenceOffset + kVrField + 1] = 'Q';
+// Writes SQ as the VR of a sequence that may have been stored as UN or OB.
+void TDicomDataSet::MakeSequence(int32_t sequenceOffset) {
+    if (!fIsExplicit) return;
+    fBuffer[sequenceOffset + kVrField] = static_cast<uint8_t>(Vr::kSQ >> 8);
+    fBuffer[sequenceOffset + kVrField + 1] = static_cast<uint8_t>(Vr::kSQ & 0xFF);
     WriteNumber16(sequenceOffset + kReservedField, 0);
-    WriteNumber32(sequenceOffset + kLongLengthField, length);
+}
+
+void TDicomDataSet::WriteSequenceLength(int32_t sequenceOffset, uint32_t length) {
+    WriteNumber32(sequenceOffset + (fIsExplicit ? kLongLengthField : kImplicitLengthField), length);
+}
+
+// True for elements that are known to be sequences by their VR.
+bool TDicomDataSet::IsKnownSequence(const Header& header) const { return VrOf(header) == Vr::kSQ; }
+
+// True for implicit elements of unknown VR whose value is a list of items to its last byte.
+bool TDicomDataSet::LooksLikeSequence(int32_t offset, const Header& header) const {
+    const VrCode vr = VrOf(header);
+    const bool isUntold = !fIsExplicit && (vr == Vr::kNotKnown || vr == Vr::kUN);
+    const int64_t content = static_cast<int64_t>(offset) + header.fSize;
+    if (!isUntold || header.fTag == Tags::kPixelData || !HasItemAt(content)) return false;
+    return header.fRawLength == kUndefinedLength || EndOfItems(offset) == content + header.fRawLength;
+}
+
+// Where the last item of a sequence ends; −1 for items that cannot be walked.
+int64_t TDicomDataSet::EndOfItems(int32_t sequenceOffset) const {
+    int64_t end = -1;
+    int32_t itemOffset = kFromStart;
+    uint32_t itemLength = 0;
+    try {
+        while (FindNextItem(sequenceOffset, itemOffset, itemLength, &itemOffset, &itemLength)) {
+            const bool hasDelimiter = ReadNumber32(itemOffset - kLengthSize) == kUndefinedLength;
+            end = int64_t{itemOffset} + itemLength + (hasDelimiter ? kDelimiterSize : 0);
+        }
+    } catch (TException* thrown) {
+        const std::unique_ptr<TException> error(thrown);
+        return -1;
+    }
+    return end;
 }
 
 }  // namespace Vantor

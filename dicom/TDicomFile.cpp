@@ -506,15 +506,15 @@ void TDicomFile::CommitCopy(const TFileSpec& destination) {
 }
 
 void TDicomFile::PutCopyInPlace(const TFileSpec& destination) {
+    const std::string temporary = fCopySpec.fPath;
     if (destination.fStorage == nullptr) {
-        Platform::MoveFileReplacing(fCopySpec.fPath, destination.fPath);
+        Platform::MoveFileReplacing(temporary, destination.fPath);
         return;
     }
     destination.fStorage->RemoveStream(fFileSpec.fPath);
     // From here on the temporary stream is all there is: should it keep its name, it stays.
-    const std::string temporaryStream = fCopySpec.fPath;
     fCopySpec = TFileSpec();
-    destination.fStorage->RenameStream(temporaryStream, destination.fPath);
+    destination.fStorage->RenameStream(temporary, destination.fPath);
 }
 
 void TDicomFile::AbandonCopy() {

@@ -91,7 +91,7 @@ class TDicomFile : public TIODSource {
     // Reads and parses the whole open file. False when the meta information lacks the transfer syntax; there
     // is then no data set. Throws TException 102 when it is no DICOM file, lacks the SOP class or has nothing
     // but meta information, and 0 "Can't get memory", also for a file beyond 2 GiB; the data set that was
-    // there before stays then.
+    // there before stays then. Throws 100 when there is no memory for the new data set.
     bool ReadFile();
 
     // Writes a preamble of zeros, the meta information and the data set to the open file, and waits for the

@@ -121,6 +121,15 @@ void TImageFile::FrameWriterDeleter::operator()(FrameWriter* writer) const { del
 
 TImageFile::~TImageFile() = default;
 
+void TImageFile::InitNewFile(uintptr_t owner, const TFileSpec& fileSpec, uintptr_t context,
+                             std::unique_ptr<TDicomDataSet> dataSet, const char* sopClassUID,
+                             const char* sopInstanceUID, const char* transferSyntaxUID,
+                             const char* implementationClassUID, bool isBigEndian) {
+    ForgetContent();
+    TDicomFile::InitNewFile(owner, fileSpec, context, std::move(dataSet), sopClassUID, sopInstanceUID,
+                            transferSyntaxUID, implementationClassUID, isBigEndian);
+}
+
 TDicomDataSet* TImageFile::GetDataSet() {
     if (fDataSet != nullptr) return fDataSet.get();
     try {

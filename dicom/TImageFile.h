@@ -21,6 +21,13 @@ class TImageFile : public TDicomFile {
     using TDicomFile::TDicomFile;
     ~TImageFile() override;
 
+    // As TDicomFile::InitNewFile: this object has no pixels then, whatever file it has read before. To be
+    // called on an image file as such, as its base knows nothing of pixels.
+    void InitNewFile(uintptr_t owner, const TFileSpec& fileSpec, uintptr_t context,
+                     std::unique_ptr<TDicomDataSet> dataSet, const char* sopClassUID,
+                     const char* sopInstanceUID, const char* transferSyntaxUID,
+                     const char* implementationClassUID, bool isBigEndian);
+
     // The data set without pixels, read on the first call; null when the file cannot be read as an image.
     TDicomDataSet* GetDataSet() override;
 
@@ -64,11 +71,11 @@ class TImageFile : public TDicomFile {
     virtual int32_t AppendFrameOf(TImageFile& source, int32_t frameNumber);
 
     // Reads the meta information and every element before the pixel data, and notes where the pixels are.
-    // Does nothing when a meta or main data set is there already. A file inside structured storage must be
-    // open. Throws TException 102 "Invalid Dicom File" (no meta information), 102 "Invalid Dicom Image File"
-    // (no pixel data), 102 "Can't Process Dicom File" (elements that cannot be walked), 102 "File System
-    // Error" (reading failed half way), 106 "File Too Large" (no view to be had; so also for an empty file),
-    // 0 "Can't get memory", and FileException when the file cannot be opened. Nothing stays loaded then.
+    // Does nothing when a meta or main data set is there already. The file need not be open. Throws
+    // TException 102 "Invalid Dicom File" (no meta information), 102 "Invalid Dicom Image File" (no pixel
+    // data), 102 "Can't Process Dicom File" (elements that cannot be walked), 102 "File System Error"
+    // (reading failed half way), 106 "File Too Large" (no view to be had; so also for an empty file), 0
+    // "Can't get memory", and FileException when the file cannot be opened. Nothing stays loaded then.
     void ReadAllButPixels();
 
     // The value of Number of Frames; 0 when it is absent, empty or no number.

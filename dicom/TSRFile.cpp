@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <mutex>
 
 #include "dicom/TException.h"
 #include "dicom/TVRUtil.h"
@@ -40,6 +41,8 @@ TSRFile::TSRFile(uintptr_t owner, const TFileSpec& fileSpec)
     : TDicomFile(owner, fileSpec, 0), fKind(kReportKind) {}
 
 TDicomDataSet* TSRFile::GetDataSet() {
+    // Held throughout, so that a file that is open is one that this thread has opened.
+    const std::lock_guard<std::recursive_mutex> lock(fLock);
     if (fDataSet != nullptr) return fDataSet.get();
     const bool wasOpen = IsOpen();
     AnswerOrFalse([&] {

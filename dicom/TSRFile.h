@@ -44,6 +44,7 @@ class TSRFile : public TDicomFile {
     bool GetVerificationFlag(char* output, uint32_t outputSize);
     bool GetReportStatus(char* output, uint32_t outputSize);
 
+    // kReportKind for a report of a directory; 0 for one made without a file spec.
     int32_t GetKind() const { return fKind; }
 
   private:
@@ -51,8 +52,8 @@ class TSRFile : public TDicomFile {
     bool ReadText(Tag tag, char* output, uint32_t outputSize);
 
     int32_t fKind = 0;
-    [[maybe_unused]] int32_t fSecondValue = 0;
-    std::string fText;
+    [[maybe_unused]] int32_t fSecondValue = 0;  // kept beside the kind for the directory; not looked at
+    std::string fText;                          // likewise
     bool fHasReport = false;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -12,5 +13,10 @@ namespace Vantor::Platform {
 // neither direction fails.
 std::wstring ToHostText(std::string_view bytes);
 std::string FromHostText(std::wstring_view text);
+
+// Where to cut an 8-bit text so that at most `limit` bytes remain: there, or, where text can be UTF-8, in
+// front of a character that would be cut in two and make all of it unreadable as UTF-8. The bytes behind the
+// limit tell, as far as they are given.
+size_t CutPosition(std::string_view bytes, size_t limit);
 
 }  // namespace Vantor::Platform

@@ -4,6 +4,7 @@
 #include <array>
 #include <limits>
 #include <string_view>
+#include <utility>
 
 #include "dicom/TDicomFile.h"
 #include "dicom/TException.h"
@@ -13,6 +14,7 @@
 #include "dicom/Uids.h"
 #include "platform/CodePage.h"
 #include "platform/FileException.h"
+#include "platform/MappedFile.h"
 #include "wrappers/ValueText.h"
 
 namespace VantorWrappers {
@@ -33,7 +35,7 @@ constexpr uint32_t kUidLength = Vantor::kMaximumUidLength;
 constexpr uint32_t kLongTextLength = 64;   // LO, PN
 constexpr uint32_t kShortTextLength = 16;  // SH, CS
 constexpr uint32_t kNumberLength = 256;
-constexpr uint32_t kDateLength = 10;  // with the two points of dates written before 1993
+constexpr uint32_t kDateLength = 10;
 constexpr uint32_t kTimeLength = 16;
 
 constexpr std::array<std::string_view, 6> kReportClasses = {Uids::kBasicTextSR,     Uids::kEnhancedSR,
@@ -62,43 +64,30 @@ bool IsReportClass(std::string_view sopClassUID) {
     return std::find(kReportClasses.begin(), kReportClasses.end(), sopClassUID) != kReportClasses.end();
 }
 
+[[noreturn]] void ThrowInvalidFile() {
+    throw new TException(ErrorNumbers::kRecordStructure, "Invalid Dicom File");
+}
+
 // Reads a whole file. One that has no data set is no DICOM file to a host, which would find nothing in it.
 void ReadWhole(TDicomFile& file) {
     const OpenedFile opened(file);
-    if (!file.ReadFile()) {
-        throw new TException(ErrorNumbers::kRecordStructure, "Invalid Dicom File");
-    }
+    if (!file.ReadFile()) ThrowInvalidFile();
 }
 
-// A damaged data set is of use as long as it tells which instance it is. One that does not, or that is
+// A damaged data set is of use as long as it tells whose it is or what. One that tells neither, because it is
 // encoded in another way than its meta information says (deflated, for one), would pass for a file without
 // attributes.
 void CheckIdentity(const TDicomDataSet& dataSet) {
-    if (!dataSet.FindElement(Tags::kSOPInstanceUID)) dataSet.CountElements();
+    for (const Tag tag : {Tags::kSOPInstanceUID, Tags::kPatientID, Tags::kStudyInstanceUID}) {
+        if (dataSet.FindElement(tag)) return;
+    }
+    dataSet.CountElements();
 }
 
 // ---- Values ----
 
-bool IsContinuationByte(char byte) { return (static_cast<uint8_t>(byte) & 0xC0) == 0x80; }
-
-// The number of bytes that a character of UTF-8 has, told by its first one; 1 for bytes that start none.
-size_t CharacterLength(char firstByte) {
-    const auto byte = static_cast<uint8_t>(firstByte);
-    if (byte >= 0xF0) return 4;
-    if (byte >= 0xE0) return 3;
-    return byte >= 0xC0 ? 2 : 1;
-}
+// How far behind its limit a text is looked at, for the rest of a character that stands across it.
 constexpr uint32_t kLongestCharacter = 4;
-
-// Where to cut a text that is longer than `maxLength`: there, or in front of the character of UTF-8 that
-// would be cut in two and make the whole text unreadable as UTF-8.
-size_t CutPosition(std::string_view text, size_t maxLength) {
-    size_t start = maxLength;
-    while (start > 0 && maxLength - start < kLongestCharacter && IsContinuationByte(text[start])) {
-        --start;
-    }
-    return start + CharacterLength(text[start]) > maxLength ? start : maxLength;
-}
 
 // Finds an element that is there whole: half a patient ID is another patient's. `value` may be null.
 bool FindWhole(const TDicomDataSet& dataSet, Tag tag, uint32_t& length, void* value, uint32_t capacity,
@@ -122,11 +111,46 @@ std::optional<std::string> ReadText(const TDicomDataSet* dataSet, Tag tag, uint3
     if (!FindWhole(*dataSet, tag, length, text.data(), capacity, offset)) return std::nullopt;
     text.resize(std::min(length, capacity));
     text.resize(std::min(text.find('\0'), text.size()));
-    if (text.size() > maxLength) text.resize(CutPosition(text, maxLength));
+    text.resize(Vantor::Platform::CutPosition(text, maxLength));
     return text;
 }
 
 // ---- Dumps ----
+
+// A file whose elements are looked at where they are on the medium: the pixel data of a long loop, of which a
+// dump shows next to nothing, is then never read. Open as long as this object lives.
+class FileView : public TDicomFile {
+  public:
+    explicit FileView(const TFileSpec& fileSpec)
+        : TDicomFile(0, fileSpec, 0), fOpened(*this), fMapping(fileSpec.fPath) {
+        fFileSize = fMapping.GetLength();
+        MapView();
+        if (!ParseMetaHeader(fMapping.GetView(), fMapping.GetViewSize())) ThrowInvalidFile();
+    }
+
+    // The part of the main data set that is in view.
+    TDicomDataSet WrapDataSet() const {
+        const auto size = static_cast<int32_t>(fMapping.GetViewSize() - fDataOffset);
+        // Only read, never changed.
+        auto* bytes = const_cast<uint8_t*>(fMapping.GetView() + fDataOffset);
+        return TDicomDataSet(IsExplicit(), IsBigEndian(), bytes, size, size);
+    }
+
+    bool IsWhole() const { return fMapping.GetViewSize() == fMapping.GetLength(); }
+
+  private:
+    void MapView() {
+        // There is no view of nothing, but that is not what is wrong with such a file.
+        if (fFileSize == 0) ThrowInvalidFile();
+        if (fMapping.MapView(std::min(fFileSize, kLargestView))) return;
+        throw new TException(ErrorNumbers::kFileTooLarge, "File Too Large");
+    }
+
+    static constexpr int64_t kLargestView = std::numeric_limits<int32_t>::max();
+
+    VantorWrappers::OpenedFile fOpened;  // waits for a program that writes the file; a mapping would not
+    Vantor::Platform::MappedFile fMapping;
+};
 
 int32_t Doubled(int32_t capacity) {
     return capacity > kLargestDumpCapacity / 2 ? kLargestDumpCapacity : capacity * 2;
@@ -324,23 +348,22 @@ int32_t DicomFileInfo::GetInt(Tag tag) const {
 }
 
 std::optional<HostDateTime> DicomFileInfo::GetDate(Tag tag) const {
-    const std::string text = ReadText(fDicomDataSet, tag, kDateLength).value_or(std::string());
-    const std::string_view stored = WithoutPadding(text);
+    const std::string stored = ReadText(fDicomDataSet, tag, kDateLength).value_or(std::string());
     if (stored.empty()) return std::nullopt;
     char digits[Vantor::TVRUtil::kDateOutputSize] = {};
-    Vantor::TVRUtil().DicomDateToCString(text.c_str(), digits, sizeof(digits), Vantor::TVRUtil::kEightDigits);
+    Vantor::TVRUtil().DicomDateToCString(stored.c_str(), digits, sizeof(digits),
+                                         Vantor::TVRUtil::kEightDigits);
     const std::optional<HostDateTime> date = ParseDate(digits);
-    if (!date) throw FormatError("not a date: " + std::string(stored));
+    if (!date) throw FormatError("not a date: " + stored);
     return date;
 }
 
 std::optional<HostDateTime> DicomFileInfo::GetTime(Tag dateTag, Tag timeTag) const {
     const std::optional<HostDateTime> date = GetDate(dateTag);
-    const std::string text = ReadText(fDicomDataSet, timeTag, kTimeLength).value_or(std::string());
-    const std::string_view stored = WithoutPadding(text);
+    const std::string stored = ReadText(fDicomDataSet, timeTag, kTimeLength).value_or(std::string());
     if (!date || stored.empty()) return std::nullopt;
     const std::optional<std::chrono::seconds> timeOfDay = ParseTimeOfDay(stored);
-    if (!timeOfDay) throw FormatError("not a time: " + std::string(stored));
+    if (!timeOfDay) throw FormatError("not a time: " + stored);
     return *date + *timeOfDay;
 }
 
@@ -370,10 +393,12 @@ std::vector<HostString> DicomFileInfo::GetSourceImageUIDs(Tag tag) const {
 
 std::string DicomFileInfo::DumpElements(const std::string& dictionary, std::string& damage) const {
     damage.clear();
-    TDicomFile file(0, MakeFileSpec(), 0);
-    ReadWhole(file);
+    FileView file(MakeFileSpec());
     std::string text = DumpDataSet(*file.GetMetaDataSet(), dictionary, damage);
-    if (damage.empty()) text += DumpDataSet(*file.GetDataSet(), dictionary, damage);
+    if (!damage.empty()) return text;
+    TDicomDataSet dataSet = file.WrapDataSet();
+    text = std::move(text) + DumpDataSet(dataSet, dictionary, damage);
+    if (!file.IsWhole()) damage = "the file is too large to be shown beyond its first 2 GiB";
     return text;
 }
 

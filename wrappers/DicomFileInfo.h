@@ -39,10 +39,10 @@ class DicomFileInfo {
     DicomFileInfo& operator=(const DicomFileInfo&) = delete;
 
     // Reads the file: a structured report whole, an image without its pixel data, anything else whole.
-    // Throws Vantor::TException* (owned by the catcher) when it is no DICOM file, holds no data set, or is
-    // damaged so early that it does not tell its SOP Instance UID, and Vantor::Platform::FileException when
-    // it cannot be opened or read; also for a path longer than the library can hold. After a failure
-    // everything is absent.
+    // Throws Vantor::TException* (owned by the catcher) when it is no DICOM file, holds no data set, or a
+    // damaged one that names neither instance, patient nor study, and Vantor::Platform::FileException when it
+    // cannot be opened or read; also for a path longer than the library can hold. After a failure everything
+    // is absent.
     void Read();
 
     // How Read took the file. Neither is set for other DICOM objects.
@@ -77,7 +77,7 @@ class DicomFileInfo {
     int32_t GetImageNumber() const;
     int32_t GetNumberOfFrames() const;
 
-    // Dates (time of day 00:00:00); none when absent or empty (blanks count as nothing). Throw FormatError
+    // Dates (time of day 00:00:00); none when absent or empty. Throw FormatError
     // for a text that is no date.
     std::optional<HostDateTime> GetStudyDate() const;
     std::optional<HostDateTime> GetPatientBirthDate() const;
@@ -95,8 +95,10 @@ class DicomFileInfo {
 
     // Addition for hosts: a text of every element of the file, one a line, the meta information first,
     // pixel data included. `dictionary` is a dictionary text (see Vantor::TDicomDictionary) that names the
-    // elements, or empty. Reads the file again, whole; throws as Read does. When elements cannot be walked to
-    // the end, `damage` says why and the text ends where the damage begins; otherwise it is empty.
+    // elements, or empty. Looks at the file again, through a view of it, so that its size costs no memory;
+    // throws as Read does, and Vantor::TException* 106 when the system has no room for the view. When
+    // elements cannot be walked to the end, `damage` says why and the text ends where the damage begins;
+    // otherwise it is empty. Of a file beyond 2 GiB the part below is shown, and `damage` says so.
     std::string DumpElements(const std::string& dictionary, std::string& damage) const;
 
   private:

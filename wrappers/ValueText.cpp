@@ -44,13 +44,6 @@ std::optional<int> ParseTimePart(std::string_view text, size_t start, int limit)
 
 }  // namespace
 
-std::string_view WithoutPadding(std::string_view text) {
-    while (!text.empty() && (text.back() == ' ' || text.back() == '\0')) {
-        text.remove_suffix(1);
-    }
-    return text;
-}
-
 int32_t ParseInteger(std::string_view text) {
     while (!text.empty() && IsBlank(text.front())) {
         text.remove_prefix(1);

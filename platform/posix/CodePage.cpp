@@ -179,4 +179,20 @@ std::string FromHostText(std::wstring_view text) {
     return bytes;
 }
 
+size_t CutPosition(std::string_view bytes, size_t limit) {
+    if (bytes.size() <= limit) {
+        return bytes.size();
+    }
+    for (size_t position = 0; position < limit;) {
+        const size_t start = position;
+        if (!ReadUtf8(bytes, position)) {
+            break;
+        }
+        if (position > limit) {
+            return start;
+        }
+    }
+    return limit;
+}
+
 }  // namespace Vantor::Platform

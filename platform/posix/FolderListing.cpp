@@ -3,17 +3,13 @@
 #include <dirent.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <memory>
-
-#include "platform/Clock.h"
 
 namespace Vantor::Platform {
 
 namespace {
-
-// How long a listing serves before it is read again in any case.
-constexpr std::chrono::milliseconds kTrusted{250};
 
 // The longest tick of a file system's time stamps: FAT counts in two seconds.
 constexpr int64_t kTickInSeconds = 2;
@@ -47,8 +43,57 @@ bool IsJustNow(const timespec& time) {
 
 }  // namespace
 
-FolderListing::FolderListing(const std::string& folder) : fFolder(folder), fReadAt(Clock::Current().Now()) {
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(opendir(folder.c_str()), closedir);
+const FolderListing& FolderListing::Of(const std::string& folder) {
+    Listings& listings = KeptListings();
+    const auto kept = FindKept(folder);
+    if (kept != listings.end()) {
+        listings.splice(listings.begin(), listings, kept);
+    } else {
+        listings.push_front(FolderListing(folder));
+    }
+    if (listings.size() > kListingsKept) {
+        listings.pop_back();
+    }
+    if (!listings.front().IsCurrent()) {
+        listings.front().Read();
+    }
+    return listings.front();
+}
+
+void FolderListing::NoteAdded(const std::string& folder, std::string_view name) {
+    const auto kept = FindKept(folder);
+    if (kept != KeptListings().end()) {
+        kept->Enter(name);
+        kept->fMayMissChanges = stat(folder.c_str(), &kept->fState) != 0;
+    }
+}
+
+const std::string* FolderListing::Find(std::string_view name) const {
+    const auto found = fSpellings.find(InLowerCase(name));
+    return found != fSpellings.end() ? &found->second : nullptr;
+}
+
+// Used last first.
+FolderListing::Listings& FolderListing::KeptListings() {
+    thread_local Listings listings;
+    return listings;
+}
+
+FolderListing::Listings::iterator FolderListing::FindKept(const std::string& folder) {
+    Listings& listings = KeptListings();
+    return std::find_if(listings.begin(), listings.end(),
+                        [&](const FolderListing& listing) { return listing.fFolder == folder; });
+}
+
+bool FolderListing::IsCurrent() const {
+    struct stat state = {};
+    return !fMayMissChanges && stat(fFolder.c_str(), &state) == 0 && IsSameState(state, fState);
+}
+
+void FolderListing::Read() {
+    fSpellings.clear();
+    fMayMissChanges = true;
+    const std::unique_ptr<DIR, int (*)(DIR*)> stream(opendir(fFolder.c_str()), closedir);
     if (stream == nullptr || fstat(dirfd(stream.get()), &fState) != 0) {
         return;
     }
@@ -58,56 +103,10 @@ FolderListing::FolderListing(const std::string& folder) : fFolder(folder), fRead
     }
 }
 
-bool FolderListing::IsCurrent() const {
-    const auto age = Clock::Current().Now() - fReadAt;
-    struct stat state = {};
-    return !fMayMissChanges && age >= age.zero() && age <= kTrusted && stat(fFolder.c_str(), &state) == 0 &&
-           IsSameState(state, fState);
-}
-
-const std::string* FolderListing::Find(std::string_view name) const {
-    const auto found = fSpellings.find(InLowerCase(name));
-    return found != fSpellings.end() ? &found->second : nullptr;
-}
-
-void FolderListing::Add(std::string_view name) {
-    Enter(name);
-    stat(fFolder.c_str(), &fState);
-    fMayMissChanges = false;
-}
-
 void FolderListing::Enter(std::string_view name) {
     const auto [entry, isNew] = fSpellings.try_emplace(InLowerCase(name), name);
     if (!isNew && name < entry->second) {
         entry->second = name;
-    }
-}
-
-FolderListings& FolderListings::OfThisThread() {
-    thread_local FolderListings listings;
-    return listings;
-}
-
-FolderListing& FolderListings::Get(const std::string& folder) {
-    const auto isOfFolder = [&](const FolderListing& listing) { return listing.GetFolder() == folder; };
-    const auto known = std::find_if(fListings.begin(), fListings.end(), isOfFolder);
-    if (known != fListings.end() && known->IsCurrent()) {
-        fListings.splice(fListings.begin(), fListings, known);
-        return fListings.front();
-    }
-    fListings.remove_if(isOfFolder);
-    fListings.emplace_front(folder);
-    if (fListings.size() > kListingsKept) {
-        fListings.pop_back();
-    }
-    return fListings.front();
-}
-
-void FolderListings::NoteAdded(const std::string& folder, std::string_view name) {
-    for (FolderListing& listing : fListings) {
-        if (listing.GetFolder() == folder) {
-            listing.Add(name);
-        }
     }
 }
 

@@ -32,7 +32,7 @@ bool AppendAsOnDisk(std::string& folder, const std::string& name) {
         folder += name;
         return true;
     }
-    const std::string* spelling = FolderListings::OfThisThread().Get(FolderOrHere(folder)).Find(name);
+    const std::string* spelling = FolderListing::Of(FolderOrHere(folder)).Find(name);
     if (spelling == nullptr) {
         return false;
     }
@@ -66,7 +66,7 @@ LookedUpPath LookUpPath(const std::string& path) {
 
 void NoteAdded(const std::string& path) {
     const size_t nameStart = NameStart(path);
-    FolderListings::OfThisThread().NoteAdded(FolderOrHere(path.substr(0, nameStart)), path.substr(nameStart));
+    FolderListing::NoteAdded(FolderOrHere(path.substr(0, nameStart)), path.substr(nameStart));
 }
 
 void ThrowPathError(int error, const std::string& path) {

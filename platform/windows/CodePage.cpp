@@ -29,6 +29,8 @@ std::wstring ToHostText(std::string_view bytes) {
     return text;
 }
 
+size_t CutPosition(std::string_view bytes, size_t limit) { return std::min(bytes.size(), limit); }
+
 std::string FromHostText(std::wstring_view text) {
     const DWORD flags = NarrowingFlags();
     const int length = LengthOf(text.size());

@@ -40,6 +40,11 @@ FileException::Cause CauseOfError(uint32_t error) {
         case ERROR_ALREADY_EXISTS:
         case ERROR_PRIVILEGE_NOT_HELD:
         case ERROR_FILE_READ_ONLY:
+        case ERROR_LOCK_VIOLATION:  // these are not over when another program closes the file
+        case ERROR_SHARING_BUFFER_EXCEEDED:
+        case ERROR_USER_MAPPED_FILE:
+        case ERROR_DELETE_PENDING:
+        case ERROR_BUSY:
             return Cause::kAccessDenied;
         case ERROR_CANNOT_MAKE:
             return Cause::kDirectoryFull;
@@ -68,11 +73,6 @@ FileException::Cause CauseOfError(uint32_t error) {
         case ERROR_DISK_CORRUPT:
             return Cause::kHardIO;
         case ERROR_SHARING_VIOLATION:
-        case ERROR_LOCK_VIOLATION:
-        case ERROR_SHARING_BUFFER_EXCEEDED:
-        case ERROR_USER_MAPPED_FILE:
-        case ERROR_DELETE_PENDING:
-        case ERROR_BUSY:
             return Cause::kSharingViolation;
         case ERROR_DISK_FULL:
         case ERROR_HANDLE_DISK_FULL:

@@ -29,8 +29,7 @@ std::string RandomName() {
     return name;
 }
 
-fs::path MakeUniqueFolder() {
-    const fs::path parent = fs::temp_directory_path();
+fs::path MakeUniqueFolder(const fs::path& parent) {
     for (int attempt = 0; attempt < kNameAttempts; ++attempt) {
         fs::path folder = parent / RandomName();
         if (fs::create_directory(folder)) {
@@ -55,7 +54,7 @@ void GiveRightsBack(const fs::path& folder) {
 
 }  // namespace
 
-TestFolder::TestFolder() : fPath(MakeUniqueFolder().make_preferred()) {}
+TestFolder::TestFolder(const fs::path& parent) : fPath(MakeUniqueFolder(parent).make_preferred()) {}
 
 TestFolder::~TestFolder() {
     std::error_code error;

@@ -10,11 +10,14 @@ namespace VantorTest {
 
 using Bytes = std::vector<uint8_t>;
 
+// What the systems do differently, a test asks here.
+inline constexpr bool kIsWindows = std::filesystem::path::preferred_separator == '\\';
+
 // A temporary folder of a test's own, made empty and removed with all it holds at the end. Declare it before
 // the objects that keep files in it open: what is still open when the folder goes fails the test on Windows.
 class TestFolder {
   public:
-    TestFolder();
+    explicit TestFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path());
     ~TestFolder();
     TestFolder(const TestFolder&) = delete;
     TestFolder& operator=(const TestFolder&) = delete;
