@@ -25,7 +25,8 @@ TOPS = [PROGRAM, "fuzz", "bench"]
 
 # What the program may include beside its own files: what every host application may.
 PROGRAM_SEES_FOLDERS = {"wrappers", "host", "sr"}
-PROGRAM_SEES_FILES = {"dicom/TException.h", "platform/FileException.h", "platform/CodePage.h"}
+PROGRAM_SEES_FILES = {"dicom/TException.h", "platform/FileException.h", "platform/CodePage.h",
+                      "platform/Console.h"}
 
 PORTS = ["windows", "posix"]
 SOURCES = {".h", ".hpp", ".cpp", ".cc", ".inl"}

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -31,13 +32,22 @@ class Console {
     // Writes what was held back. To be called at the end. Throws OutputError.
     void Flush();
 
-    // Writes a line on standard error, after the program's name: "vantor: FILE: file not found".
+    // Writes a line on standard error, after the program's name: "vantor: FILE: file not found". Never throws
+    // OutputError: what was held back and cannot be written is told by the next Print or Flush.
     void Report(std::string_view line);
+
+    // Shows a text on standard error that stays until anything else is written, in place of the one shown
+    // before. For terminals only, and for less than a line of printable ASCII.
+    void ShowStatus(std::string_view text);
+    void ClearStatus();
 
   private:
     void Write();
+    void WriteError(std::string_view text);
 
+    size_t fStatusWidth = 0;  // 0 while no status is shown
     std::string fHeldBack;
+    std::optional<OutputError> fFailure;  // of the first write that failed
 };
 
 }  // namespace VantorCli

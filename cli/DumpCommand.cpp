@@ -4,10 +4,12 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <stdexcept>
 #include <string_view>
+#include <system_error>
 
 #include "cli/Console.h"
 #include "cli/Failure.h"
@@ -22,9 +24,12 @@ namespace {
 constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kContinuationIndent = "                              ";
 constexpr size_t kReadSize = 65536;
-constexpr size_t kLargestDictionary = 64 * 1024 * 1024;  // that of the whole standard has less than 1 MiB
+constexpr size_t kLargestDictionary = 0x4000000;  // that of the whole standard has less than 1 MiB
 
-std::string ReadDictionary(const std::string& path) {
+// A pipe is refused before it is opened, which would wait for somebody to write into it.
+std::string ReadDictionary(const std::filesystem::path& path) {
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(path, ignored)) throw std::runtime_error("cannot be read");
     std::ifstream file(path, std::ios::binary);
     std::string text;
     std::array<char, kReadSize> part;
@@ -52,8 +57,17 @@ bool StartsElementOrItem(std::string_view line) {
            std::all_of(line.begin(), line.begin() + kColumnsBeforeVr, IsHexOrBlank);
 }
 
+// Controls that texts hold are line ends, tabs, page ends and the escapes that switch between alphabets.
+bool HoldsBinaryData(std::string_view line) {
+    constexpr std::string_view kControlsOfTexts = "\t\n\f\r\x1B";
+    return std::any_of(line.begin(), line.end(), [=](char character) {
+        return std::iscntrl(static_cast<unsigned char>(character)) != 0 &&
+               kControlsOfTexts.find(character) == std::string_view::npos;
+    });
+}
+
 void PrintLine(std::string_view line, Console& console) {
-    const std::string printable = ToPrintable(line);
+    const std::string printable = HoldsBinaryData(line) ? ToDotted(line) : ToPrintable(line);
     console.Print(StartsElementOrItem(line) ? printable : std::string(kContinuationIndent) + printable);
 }
 
@@ -91,7 +105,7 @@ ExitStatus DumpCommand::Run(Console& console) {
     const HostString dictionaryPath = Vantor::Platform::ToHostText(fDictionaryFile);
     std::string dictionary;
     if (!fDictionaryFile.empty()) {
-        const auto failure = FailureOf(dictionaryPath, [&] { dictionary = ReadDictionary(fDictionaryFile); });
+        const auto failure = FailureOf(dictionaryPath, [&] { dictionary = ReadDictionary(dictionaryPath); });
         if (failure) {
             console.Report(ToPrintable(dictionaryPath) + ": " + *failure);
             return ExitStatus::kFailed;

@@ -1,9 +1,11 @@
 #include "cli/Failure.h"
 
 #include <exception>
+#include <filesystem>
 #include <memory>
 #include <new>
 #include <string_view>
+#include <system_error>
 
 #include "cli/Console.h"
 #include "cli/Text.h"
@@ -14,6 +16,11 @@
 namespace VantorCli {
 
 namespace {
+
+bool IsFolder(const VantorWrappers::HostString& path) {
+    std::error_code ignored;
+    return std::filesystem::is_directory(path, ignored);
+}
 
 // File errors name the file that the work was on, or what was read of it, such as "image data".
 std::string ReasonOf(const Vantor::Platform::FileException& error, const std::string& path) {
@@ -35,6 +42,7 @@ std::optional<std::string> FailureOf(const VantorWrappers::HostString& path,
         const std::unique_ptr<Vantor::TException> error(thrown);
         return ToPrintable(error->GetErrorText());
     } catch (const Vantor::Platform::FileException& error) {
+        if (IsFolder(path)) return "this is a folder, not a file";
         return ToPrintable(ReasonOf(error, Vantor::Platform::FromHostText(path)));
     } catch (const std::bad_alloc&) {
         return "not enough memory";

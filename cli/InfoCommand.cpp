@@ -1,6 +1,7 @@
 #include "cli/InfoCommand.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdint>
 #include <optional>
 
 #include "cli/Columns.h"
@@ -8,6 +9,7 @@
 #include "cli/Failure.h"
 #include "cli/FileAttributes.h"
 #include "cli/Json.h"
+#include "cli/Progress.h"
 #include "platform/CodePage.h"
 #include "wrappers/ValueText.h"
 
@@ -145,8 +147,11 @@ CLI::App* InfoCommand::AddTo(CLI::App& program) {
 
 ExitStatus InfoCommand::Run(Console& console) {
     ExitStatus status = ExitStatus::kDone;
+    Progress progress(console, fFiles.size(), "files");
+    uint64_t done = 0;
     for (const std::string& file : fFiles) {
         if (!RunOnFile(Vantor::Platform::ToHostText(file), console)) status = ExitStatus::kFailed;
+        progress.SetDone(++done);
     }
     return status;
 }

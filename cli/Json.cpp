@@ -7,12 +7,16 @@ namespace VantorCli {
 namespace {
 
 constexpr char kDelete = '\x7F';
-constexpr char kLeadOfHighControls = '\xC2';  // in UTF-8 they are this byte and one of 80 to 9F
+
+// The controls behind ASCII are this byte of UTF-8 and one of a range, which is also their number.
+constexpr char kLeadOfHighControls = '\xC2';
+constexpr unsigned char kFirstHighControl = 0x80;
+constexpr unsigned char kLastHighControl = 0x9F;
 
 bool IsHighControl(std::string_view utf8, size_t position) {
     if (utf8[position] != kLeadOfHighControls || position + 1 == utf8.size()) return false;
     const auto second = static_cast<unsigned char>(utf8[position + 1]);
-    return second >= 0x80 && second <= 0x9F;
+    return second >= kFirstHighControl && second <= kLastHighControl;
 }
 
 void AppendEscaped(std::string& line, char control) {

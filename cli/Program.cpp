@@ -6,6 +6,7 @@
 #include "cli/DumpCommand.h"
 #include "cli/InfoCommand.h"
 #include "cli/Text.h"
+#include "dicom/TException.h"
 #include "host/Trace.h"
 
 namespace VantorCli {
@@ -61,13 +62,30 @@ void Program::Add(std::unique_ptr<Command> command) {
     fCommands.emplace_back(app, std::move(command));
 }
 
+// Whatever goes wrong is one line and a status, never a program that is ended by the system.
 ExitStatus Program::Run(int argumentCount, char** arguments) {
+    try {
+        return ParseAndRun(argumentCount, arguments);
+    } catch (const OutputError& error) {
+        if (!error.IsClosed()) fConsole.Report(error.what());
+    } catch (Vantor::TException* thrown) {
+        const std::unique_ptr<Vantor::TException> error(thrown);
+        fConsole.Report(ToPrintable(error->GetErrorText()));
+    } catch (const std::bad_alloc&) {
+        fConsole.Report("not enough memory");
+    } catch (const std::exception& error) {
+        fConsole.Report(ToPrintable(error.what()));
+    }
+    return ExitStatus::kFailed;
+}
+
+ExitStatus Program::ParseAndRun(int argumentCount, char** arguments) {
     try {
         fApp.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {
         return ReportParseError(error);
     }
-    return RunGuarded();
+    return RunCommand();
 }
 
 // Help and version come as exceptions too; they are no errors.
@@ -106,19 +124,6 @@ ExitStatus Program::RunCommand() {
     }
     fConsole.Flush();
     return status;
-}
-
-ExitStatus Program::RunGuarded() {
-    try {
-        return RunCommand();
-    } catch (const OutputError& error) {
-        if (!error.IsClosed()) fConsole.Report(error.what());
-    } catch (const std::bad_alloc&) {
-        fConsole.Report("not enough memory");
-    } catch (const std::exception& error) {
-        fConsole.Report(ToPrintable(error.what()));
-    }
-    return ExitStatus::kFailed;
 }
 
 }  // namespace VantorCli

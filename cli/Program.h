@@ -21,7 +21,7 @@ class Program {
   private:
     void Add(std::unique_ptr<Command> command);
     ExitStatus RunCommand();
-    ExitStatus RunGuarded();
+    ExitStatus ParseAndRun(int argumentCount, char** arguments);
     ExitStatus ReportParseError(const CLI::ParseError& error);
     std::string ProblemOf(const CLI::ParseError& error) const;
     void StartTracing();

@@ -1,9 +1,12 @@
 #include "cli/Text.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
+#include <functional>
+#include <type_traits>
 
 #include "platform/CodePage.h"
 
@@ -11,27 +14,58 @@ namespace VantorCli {
 
 namespace {
 
+constexpr size_t kLongestFormatted = 64;
 constexpr uint32_t kReplacement = 0xFFFD;
 constexpr uint32_t kLastCodePoint = 0x10FFFF;
-constexpr uint32_t kSurrogatePayloadBits = 10;
-constexpr uint32_t kFirstBeyond16Bits = 0x10000;
 
-bool IsHighSurrogate(uint32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-
-bool IsLowSurrogate(uint32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+// Surrogates: two units of 16 bits for a code point that needs more.
+constexpr uint32_t kFirstHighSurrogate = 0xD800;
+constexpr uint32_t kFirstLowSurrogate = 0xDC00;
+constexpr uint32_t kLastLowSurrogate = 0xDFFF;
+constexpr uint32_t kSurrogateBits = 10;
+constexpr uint32_t kFirstSupplementary = 0x10000;
 
 // The controls of ASCII and those that ISO 8859 adds; terminals obey both.
-bool IsControl(uint32_t codePoint) { return codePoint < 0x20 || (codePoint >= 0x7F && codePoint <= 0x9F); }
+constexpr uint32_t kFirstPrintable = 0x20;
+constexpr uint32_t kFirstHighControl = 0x7F;
+constexpr uint32_t kLastHighControl = 0x9F;
+
+// UTF-8: a lead byte that tells how many bytes follow, each with 6 bits.
+constexpr uint32_t kLastAscii = 0x7F;
+constexpr uint32_t kLastOfTwoBytes = 0x7FF;
+constexpr uint32_t kLastOfThreeBytes = 0xFFFF;
+constexpr std::array<uint32_t, 4> kLeadBytes = {0, 0xC0, 0xE0, 0xF0};  // by the number of bytes that follow
+constexpr uint32_t kContinuation = 0x80;
+constexpr uint32_t kContinuationMask = 0x3F;
+constexpr uint32_t kContinuationBits = 6;
+
+bool IsControl(uint32_t codePoint) {
+    return codePoint < kFirstPrintable || (codePoint >= kFirstHighControl && codePoint <= kLastHighControl);
+}
+
+bool IsPrintableAscii(char character) {
+    const auto byte = static_cast<unsigned char>(character);
+    return byte >= kFirstPrintable && byte < kFirstHighControl;
+}
+
+bool IsHighSurrogate(uint32_t unit) { return unit >= kFirstHighSurrogate && unit < kFirstLowSurrogate; }
+
+bool IsLowSurrogate(uint32_t unit) { return unit >= kFirstLowSurrogate && unit <= kLastLowSurrogate; }
+
+uint32_t UnitAt(const HostString& text, size_t position) {
+    return position < text.size() ? static_cast<std::make_unsigned_t<wchar_t>>(text[position]) : 0;
+}
 
 // The code points of host text, whose units have 16 or 32 bits.
 template <typename Visitor>
 void ForEachCodePoint(const HostString& text, Visitor visit) {
     for (size_t i = 0; i < text.size(); ++i) {
-        const auto unit = static_cast<uint32_t>(text[i]);
-        const uint32_t next = i + 1 < text.size() ? static_cast<uint32_t>(text[i + 1]) : 0;
+        const uint32_t unit = UnitAt(text, i);
+        const uint32_t next = UnitAt(text, i + 1);
         if (IsHighSurrogate(unit) && IsLowSurrogate(next)) {
             ++i;
-            visit(kFirstBeyond16Bits + ((unit - 0xD800) << kSurrogatePayloadBits) + (next - 0xDC00));
+            visit(kFirstSupplementary + ((unit - kFirstHighSurrogate) << kSurrogateBits) + next -
+                  kFirstLowSurrogate);
         } else if (IsHighSurrogate(unit) || IsLowSurrogate(unit) || unit > kLastCodePoint) {
             visit(kReplacement);
         } else {
@@ -40,39 +74,29 @@ void ForEachCodePoint(const HostString& text, Visitor visit) {
     }
 }
 
-void AppendUtf8(std::string& utf8, uint32_t codePoint) {
-    const auto append = [&utf8](uint32_t byte) { utf8 += static_cast<char>(static_cast<uint8_t>(byte)); };
-    const auto continuation = [codePoint](uint32_t shift) { return 0x80 | ((codePoint >> shift) & 0x3F); };
-    if (codePoint < 0x80) {
-        append(codePoint);
-    } else if (codePoint < 0x800) {
-        append(0xC0 | (codePoint >> 6));
-        append(continuation(0));
-    } else if (codePoint < kFirstBeyond16Bits) {
-        append(0xE0 | (codePoint >> 12));
-        append(continuation(6));
-        append(continuation(0));
-    } else {
-        append(0xF0 | (codePoint >> 18));
-        append(continuation(12));
-        append(continuation(6));
-        append(continuation(0));
-    }
+uint32_t CountFollowingBytes(uint32_t codePoint) {
+    if (codePoint <= kLastAscii) return 0;
+    if (codePoint <= kLastOfTwoBytes) return 1;
+    return codePoint <= kLastOfThreeBytes ? 2 : 3;
 }
 
-void AppendEscaped(std::string& utf8, uint32_t control) {
-    constexpr char kDigits[] = "0123456789ABCDEF";
-    utf8 += "\\x";
-    utf8 += kDigits[(control >> 4) & 0xF];
-    utf8 += kDigits[control & 0xF];
+void AppendUtf8(std::string& utf8, uint32_t codePoint) {
+    uint32_t following = CountFollowingBytes(codePoint);
+    utf8 += static_cast<char>(kLeadBytes[following] | (codePoint >> (following * kContinuationBits)));
+    while (following-- > 0) {
+        const uint32_t bits = (codePoint >> (following * kContinuationBits)) & kContinuationMask;
+        utf8 += static_cast<char>(kContinuation | bits);
+    }
 }
 
 template <typename... Numbers>
 std::string Formatted(const char* format, Numbers... numbers) {
-    std::array<char, 64> text{};
+    std::array<char, kLongestFormatted> text{};
     std::snprintf(text.data(), text.size(), format, numbers...);
     return text.data();
 }
+
+void AppendEscaped(std::string& utf8, uint32_t control) { utf8 += Formatted("\\x%02X", control); }
 
 std::chrono::year_month_day DateOf(HostDateTime moment) {
     return std::chrono::year_month_day(std::chrono::floor<std::chrono::days>(moment));
@@ -104,7 +128,17 @@ std::string ToPrintable(const HostString& text) {
     return utf8;
 }
 
-std::string ToPrintable(std::string_view bytes) { return ToPrintable(Vantor::Platform::ToHostText(bytes)); }
+std::string ToPrintable(std::string_view bytes) {
+    // Nearly all text, and much of it in a long dump.
+    if (std::all_of(bytes.begin(), bytes.end(), IsPrintableAscii)) return std::string(bytes);
+    return ToPrintable(Vantor::Platform::ToHostText(bytes));
+}
+
+std::string ToDotted(std::string_view bytes) {
+    std::string text(bytes);
+    std::replace_if(text.begin(), text.end(), std::not_fn(IsPrintableAscii), '.');
+    return text;
+}
 
 HostString Trimmed(const HostString& text) {
     const size_t first = text.find_first_not_of(L' ');

@@ -20,6 +20,9 @@ std::string ToPrintable(const HostString& text);
 // 8-bit text of the library or the command line, for a person: valid UTF-8 without control characters.
 std::string ToPrintable(std::string_view bytes);
 
+// Binary data for a person: every byte that is no printable ASCII character is a dot.
+std::string ToDotted(std::string_view bytes);
+
 // The text without blanks at both ends.
 HostString Trimmed(const HostString& text);
 

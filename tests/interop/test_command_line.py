@@ -3,6 +3,8 @@
 
 import os
 import pathlib
+import pty
+import resource
 import signal
 import subprocess
 import tempfile
@@ -18,6 +20,9 @@ INFO_KEYS = ["path", "kind", "uid", "seriesUID", "seriesDescription", "seriesNum
              "modality", "imageNumber", "numberOfFrames", "patientName", "patientId", "contentDate", "contentTime",
              "sourceImageClassUIDs", "sourceImageInstanceUIDs"]
 MANY_FILES = 5000
+ITEMS_OF_LONG_REPORT = 20_000
+LONG_WORK = 3  # seconds; a bar is due after half a second
+READ_SIZE = 4096
 MANY_FILES_TIME = 10  # seconds; it takes one at most when the machine has nothing else to do
 
 
@@ -33,6 +38,11 @@ class CommandLineTest(unittest.TestCase):
         path = self.folder / name
         path.write_bytes(small_file.start_of_file() + b"".join(elements[tag] for tag in sorted(elements)))
         return path
+
+    def write_long_report(self):
+        """A file that takes a while to read."""
+        items = small_file.item(small_file.element((8, 0x1155), "UI", "1.2.3.9")) * ITEMS_OF_LONG_REPORT
+        return self.write("long", {(8, 0x2112): small_file.undefined_sequence((8, 0x2112), items)})
 
     def write_named(self, name, patient_name):
         return self.write(name, {(0x10, 0x10): small_file.element((0x10, 0x10), "PN", patient_name)})
@@ -118,6 +128,9 @@ class CommandLineTest(unittest.TestCase):
         bad.write_bytes(b"no DICOM file")
         missing = self.folder / "missing"
         told = [f"vantor: {bad}: Invalid Dicom File", f"vantor: {missing}: file not found"]
+        for command in COMMANDS:
+            run = program.run(command, self.folder)
+            self.assertEqual(program.lines(run.stderr), [f"vantor: {self.folder}: this is a folder, not a file"])
         run = program.run("info", bad, good, missing, good)
         self.assertEqual(run.returncode, 1)
         self.assertEqual(program.lines(run.stderr), told)
@@ -173,7 +186,9 @@ class CommandLineTest(unittest.TestCase):
         self.assertIn("        0060  CS  00000002  Modality  CT\n", run.stdout.decode())
         self.assertIn("        0020  LO  00000002  Patient ID  P1\n", run.stdout.decode())
         self.assertTrue(run.stdout.startswith(b"  0002  0000  UL  "))
-        for bad in (self.folder / "missing", self.folder):
+        pipe = self.folder / "pipe"
+        os.mkfifo(pipe)
+        for bad in (self.folder / "missing", self.folder, pipe):
             run = program.run("dump", "--dictionary", bad, path)
             self.assertEqual((run.returncode, run.stdout), (1, b""))
             self.assertEqual(program.lines(run.stderr), [f"vantor: {bad}: cannot be read"])
@@ -185,6 +200,61 @@ class CommandLineTest(unittest.TestCase):
         start = next(number for number, line in enumerate(lines) if line.endswith("  first line"))
         self.assertRegex(lines[start + 1], r"^ {20,}second line$")
         self.assertRegex(lines[start + 3], r"^ {20,}last *$")
+
+    def test_dump_shows_binary_data_as_dots(self):
+        data = b"\x01\xfe\0AB\x1b\n\x80CD\xff\x02"
+        path = self.write("file", {(0x29, 0x1010): small_file.element((0x29, 0x1010), "UN", data)})
+        run = program.run("dump", path)
+        self.assertIn("  0029  1010  UN  0000000C  .. AB...CD..\n", run.stdout.decode())
+
+    def test_dump_of_a_large_file_costs_what_it_shows(self):
+        size = 1 << 30
+        path = self.write("file", {(0x7FE0, 0x10): small_file.header((0x7FE0, 0x10), "OW", size)})
+        os.truncate(path, path.stat().st_size + size)  # zeros that take no room on the disk
+        run = program.run("dump", path)
+        self.assertEqual((run.returncode, run.stderr), (0, b""))
+        most = resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss  # of any run so far, in KiB
+        self.assertLess(most << 10, size // 2)
+        self.assertTrue(run.stdout.endswith(b"  7FE0  0010  OW  40000000  00000000000000000000...\n"))
+
+    # ---- Progress ----
+
+    def run_at_a_terminal(self, *arguments):
+        """What the program writes on a terminal that is its standard error; it must succeed."""
+        reader, terminal = pty.openpty()
+        with subprocess.Popen([program.PROGRAM, *map(str, arguments)], stdout=subprocess.DEVNULL,
+                              stderr=terminal) as process:
+            os.close(terminal)
+            shown = b""
+            with open(reader, "rb", buffering=0) as screen:
+                try:
+                    while part := screen.read(READ_SIZE):
+                        shown += part
+                except OSError:  # how the system tells that the other side has gone
+                    pass
+            self.assertEqual(process.wait(program.TIME_LIMIT), 0)
+        return shown.decode("ascii")
+
+    def time_of(self, *arguments):
+        start = time.monotonic()
+        program.run(*arguments)
+        return time.monotonic() - start
+
+    def test_long_work_shows_how_far_it_is_at_a_terminal_only(self):
+        report = self.write_long_report()
+        count = int(LONG_WORK / min(self.time_of("info", report) for _ in range(5))) + 2
+        shown = self.run_at_a_terminal("info", *[report] * count)
+        # Each is drawn over the one before, so a carriage return stands between them.
+        bars = [bar for bar in shown.split("\r") if bar.strip()]
+        self.assertGreater(len(bars), 0)
+        for bar in bars:
+            self.assertRegex(bar, rf"^\[#*\.*\] +\d+%  \d+ of {count} files *$")
+        self.assertTrue(shown.endswith("\r" + " " * len(bars[-1]) + "\r"), "the last bar stays")
+        run = program.run("info", *[report] * count)
+        self.assertEqual((run.returncode, run.stderr), (0, b""))
+
+    def test_short_work_shows_nothing_at_a_terminal(self):
+        self.assertEqual(self.run_at_a_terminal("info", self.write("file")), "")
 
     # ---- What ends it early, and how long it takes ----
 
@@ -209,11 +279,15 @@ class CommandLineTest(unittest.TestCase):
                 self.assertEqual(status, 1 if is_signal_ignored else -signal.SIGPIPE)
 
     def test_output_that_cannot_be_written_is_an_error(self):
-        with open("/dev/full", "wb") as full:
-            run = subprocess.run([program.PROGRAM, "info", str(self.write("file"))], stdout=full,
-                                 stderr=subprocess.PIPE, timeout=program.TIME_LIMIT, check=False)
-        self.assertEqual(run.returncode, 1)
-        self.assertRegex(run.stderr.decode(), r"^vantor: standard output: [^\n]+\n$")
+        good, missing = str(self.write("file")), str(self.folder / "missing")
+        no_output = r"vantor: standard output: [^\n]+\n"
+        for files, pattern in (([good], f"^{no_output}$"),
+                               ([good, missing], f"^vantor: {missing}: [^\n]+\n{no_output}$")):
+            with open("/dev/full", "wb") as full:
+                run = subprocess.run([program.PROGRAM, "info", *files], stdout=full, stderr=subprocess.PIPE,
+                                     timeout=program.TIME_LIMIT, check=False)
+            self.assertEqual(run.returncode, 1)
+            self.assertRegex(run.stderr.decode(), pattern)
 
 
 if __name__ == "__main__":
