@@ -3,10 +3,13 @@
 
 #include "dicom/TImageFile.h"
 #include "fuzz/FuzzInput.h"
+#include "platform/MappedFile.h"
 #include "tests/support/MemoryStorage.h"
 #include "tests/support/TestFolder.h"
 
 namespace {
+
+using Vantor::Platform::MappedFile;
 
 constexpr int32_t kFramesLoaded = 4;
 
@@ -37,8 +40,15 @@ void Copy(Vantor::TImageFile& image, const Vantor::TFileSpec& destination) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const VantorTest::TestFolder folder;
     const VantorTest::Bytes bytes(data, data + size);
-    Vantor::TImageFile onDisk(0, Vantor::TFileSpec(folder.WriteFile("image", bytes)), 0);
+    const Vantor::TFileSpec spec(folder.WriteFile("image", bytes));
+    Vantor::TImageFile onDisk(0, spec, 0);
     Visit(onDisk);
+
+    // Again where less than the file fits into memory, so that it has to be read behind the view.
+    MappedFile::LimitViewSizeForTesting(static_cast<int64_t>(size / 2 + 1));
+    Vantor::TImageFile beyondView(0, spec, 0);
+    Visit(beyondView);
+    MappedFile::LimitViewSizeForTesting(0);
 
     VantorTest::MemoryStorage storage;
     storage.SetContent("image", bytes);
