@@ -33,6 +33,12 @@ bool AnswerOrFalse(Question question) {
     return false;
 }
 
+// False for the last element of a file that breaks off, also where its last bytes only are missing.
+bool IsWhole(const TDicomDataSet& dataSet, int32_t offset) {
+    const int32_t next = dataSet.GetNextElementOffset(offset);
+    return next != 0 && next <= dataSet.GetDataSetSize();
+}
+
 }  // namespace
 
 TSRFile::TSRFile() = default;
@@ -68,7 +74,7 @@ bool TSRFile::FindReport(uint32_t& length, void* buffer, uint32_t bufferSize) {
         return dataSet != nullptr &&
                dataSet->GetPrivateElement(kReportGroup, kReportCreator, kReportOffsetInBlock, nullptr,
                                           &length, buffer, bufferSize, &offset) &&
-               dataSet->GetNextElementOffset(offset) != 0;
+               IsWhole(*dataSet, offset);
     });
 }
 

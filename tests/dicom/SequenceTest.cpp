@@ -90,10 +90,11 @@ TEST_P(SequenceInForm, NothingIsReadBehindTheEndWhereverItIsCut) {
 }
 
 TEST(Sequence, ItemsAreAddedAndDeletedInPlace) {
-    for (const auto& [syntax, isExplicit, isBigEndian] : kEncodings) {
+    for (const Encoding& encoding : kEncodings) {
         const auto bytesWith = [&](const std::vector<Bytes>& items) {
-            const Bytes sequence = ElementBuilder(syntax).Sequence(kSequence, items).GetBytes();
-            return ElementBuilder(syntax)
+            const Bytes sequence =
+                ElementBuilder(encoding.fTransferSyntax).Sequence(kSequence, items).GetBytes();
+            return ElementBuilder(encoding.fTransferSyntax)
                 .Numbers32({0x0008, 0x0000}, Vr::kUL, {static_cast<uint32_t>(sequence.size())})
                 .Raw(sequence)
                 .Numbers32({0x0010, 0x0000}, Vr::kUL, {12})
@@ -101,7 +102,7 @@ TEST(Sequence, ItemsAreAddedAndDeletedInPlace) {
                 .GetBytes();
         };
         const std::vector<Bytes> items = {Bytes(10, 'a'), Bytes(20, 'b'), Bytes()};
-        const auto dataSet = NewDataSet(isExplicit, isBigEndian);
+        const auto dataSet = NewDataSet(encoding.fIsExplicit, encoding.fIsBigEndian);
         int32_t sequence = 0;
         dataSet->PutElement(kSequence, Vr::kSQ, 0, nullptr, 0, &sequence);
         PutText(*dataSet, kBehind, Vr::kPN, "Doe ");

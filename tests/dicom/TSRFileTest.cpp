@@ -87,7 +87,7 @@ TEST_F(TSRFileTest, HandsOutTheReportOfTheBlockOfItsCreator) {
         ElementBuilder().Text(kReport, Vr::kOB, "no creator"),
         ElementBuilder().Text(kCreator, Vr::kLO, "QUANTIX"),
         ElementBuilder().Text(kCreator, Vr::kLO, "QUANTIX2").Text(kReport, Vr::kOB, "other creator"),
-        ElementBuilder().Text(kCreator, Vr::kLO, "QUANTIX").Header(kReport, Vr::kOB, 50).Raw(Bytes(40)),
+        ElementBuilder().Text(kCreator, Vr::kLO, "QUANTIX").Header(kReport, Vr::kOB, 50).Raw(Bytes(49)),
     };
     for (const ElementBuilder& data : without) EXPECT_FALSE(Report(data).GetQuantixReport(fText, 24));
 }
