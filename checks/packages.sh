@@ -15,7 +15,10 @@ as_administrator() {
     if [ "$(id -u)" = 0 ]; then
         "$@"
     elif command -v sudo >/dev/null; then
-        sudo -n true 2>/dev/null || [ -t 0 ] || { echo "sudo asks for a password here" >&2; return 1; }
+        if ! sudo -n true 2>/dev/null && ! { : </dev/tty; } 2>/dev/null; then
+            echo "sudo wants a password, and there is no terminal to type it at" >&2
+            return 1
+        fi
         sudo "$@"
     else
         echo "installing packages needs root or sudo" >&2

@@ -29,20 +29,21 @@ TEST(CodePage, Windows1252) {
 
 TEST(CodePage, Utf8) {
     if (kIsWindows) GTEST_SKIP() << "text is in the system code page";
-    const std::wstring text = L"M\x7F\x80\x7FF\x800\xD7FF\xE000\xFFFF\U00010000\U0010FFFF";
+    const std::wstring text = L"M\x80\x7FF\x800\xD7FF\xE000\xFFFF\U00010000\U0010FFFF";
     const std::string bytes =
-        "M\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF"
-        "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF";
+        "M\xC2\x80\xDF\xBF\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF";
     EXPECT_EQ(ToHostText(bytes), text);
     EXPECT_EQ(FromHostText(text), bytes);
     // Halves of surrogate pairs and what lies beyond the last character; a pair from a host with UTF-16.
-    EXPECT_EQ(FromHostText(std::wstring(L"a\xD800z\xDFFF") + static_cast<wchar_t>(0x110000)), "a?z??");
-    EXPECT_EQ(FromHostText(L"\xD83D\xD83D\xDE00\xD83D"), "?\xF0\x9F\x98\x80?");
+    EXPECT_EQ(FromHostText(std::wstring(L"a\xD800\xE000\xDFFF") + static_cast<wchar_t>(0x110000)),
+              "a?\xEE\x80\x80??");
+    EXPECT_EQ(FromHostText(std::wstring_view(L"\xD83D\xD83D\xDE00\xD83D\xDE00", 4)), "?\xF0\x9F\x98\x80?");
+    EXPECT_EQ(ToHostText(std::string_view("\xC3\xBC", 1)), L"\xC3");
     // Bytes alone, overlong forms, surrogates, beyond the last character. One of them makes the whole value
     // Windows-1252, byte by byte.
     for (const std::string value :
-         {"\xC3\xBC\xFC", "\xC3", "\xE6\x97", "\xC3(", "\xC0\xAF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF",
-          "\xED\xA0\x80", "\xED\xBF\xBF", "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80"}) {
+         {"\xC3\xBC\xFC", "\xE6\x97", "\xC3(", "\xC0\xAF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF", "\xED\xA0\x80",
+          "\xED\xBF\xBF", "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80"}) {
         std::wstring byteByByte;
         for (const char byte : value) byteByByte += ToHostText(std::string(1, byte));
         EXPECT_EQ(ToHostText(value), byteByByte) << testing::PrintToString(value);

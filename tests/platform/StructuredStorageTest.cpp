@@ -16,7 +16,7 @@ std::string TextOf(StructuredStorage& storage, const std::string& name) {
     return VantorTest::ReadRest(*storage.OpenStream(name, FileAccess::kRead));
 }
 
-// A storage with two images, where the system has such a thing; elsewhere it is refused.
+// A storage with one image, where the system has such a thing; elsewhere it is refused.
 class StructuredStorageTest : public testing::Test {
   protected:
     auto Open(FileAccess access) { return StructuredStorage::Open(fPath, access); }
@@ -24,12 +24,9 @@ class StructuredStorageTest : public testing::Test {
     void SetUp() override {
         if (!StructuredStorage::IsAvailable()) {
             EXPECT_EQ(FailureOf([&] { StructuredStorage::Create(fPath); }).rfind(fPath, 0), 0u);
-            EXPECT_EQ(FailureOf([&] { Open(FileAccess::kRead); }).rfind(fPath, 0), 0u);
             GTEST_SKIP() << "the system has no structured storage";
         }
-        const auto storage = StructuredStorage::Create(fPath);
-        WriteText(*storage->CreateStream("I_000000"), "first");
-        WriteText(*storage->CreateStream("I_000001"), "second");
+        WriteText(*StructuredStorage::Create(fPath)->CreateStream("I_000000"), "image");
     }
 
     VantorTest::TestFolder fFolder;
@@ -41,32 +38,36 @@ class StructuredStorageTest : public testing::Test {
 TEST_F(StructuredStorageTest, StreamsWorkLikeFiles) {
     auto storage = Open(FileAccess::kReadWrite);
     const auto stream = storage->OpenStream("I_000000", FileAccess::kReadWrite);
+    stream->SetLength(1);
+    WriteText(*stream, "a");
+    stream->Seek(3);
+    WriteText(*stream, "xx");
     stream->SetLength(2);
-    stream->Seek(4);
-    WriteText(*stream, "x");
+    WriteText(*stream, "y");
+    stream->SetLength(4);
+    stream->SetLength(6);
+    stream->Seek(1);
+    EXPECT_EQ(VantorTest::ReadRest(*stream), std::string(5, '\0')) << "what was cut off does not come back";
     stream->Flush();
     stream->Close();
     EXPECT_NE(FailureOf([&] { stream->GetLength(); }), "nothing");
     storage.reset();
     storage = Open(FileAccess::kRead);
-    EXPECT_EQ(TextOf(*storage, "I_000000"), std::string("fi\0\0x", 5));
-    EXPECT_EQ(TextOf(*storage, "I_000001"), "second");
-    EXPECT_TRUE(storage->HasStream("i_000001")) << "storage ignores case";
-    EXPECT_EQ(FailureOf([&] { TextOf(*storage, "I_000002"); }), "I_000002: file not found");
+    EXPECT_EQ(TextOf(*storage, "I_000000"), std::string("a\0\0\0\0\0", 6));
+    EXPECT_TRUE(storage->HasStream("i_000000")) << "storage ignores case";
+    EXPECT_EQ(FailureOf([&] { TextOf(*storage, "I_000001"); }), "I_000001: file not found");
 }
 
 TEST_F(StructuredStorageTest, IsHeldLikeAFile) {
     auto storage = Open(FileAccess::kReadWrite);
     EXPECT_NE(FailureOf([&] { Open(FileAccess::kRead); }), "nothing");
-    EXPECT_NE(FailureOf([&] { Open(FileAccess::kReadWrite); }), "nothing");
     const auto stream = storage->OpenStream("I_000000", FileAccess::kRead);
     EXPECT_NE(FailureOf([&] { TextOf(*storage, "I_000000"); }), "nothing") << "one at a time";
     EXPECT_NE(FailureOf([&] { storage->CreateStream("I_000000"); }), "nothing");
     stream->Close();
-    EXPECT_EQ(TextOf(*storage, "I_000000"), "first");
     storage.reset();
     storage = Open(FileAccess::kRead);
-    EXPECT_EQ(TextOf(*Open(FileAccess::kRead), "I_000000"), "first");
+    EXPECT_EQ(TextOf(*Open(FileAccess::kRead), "I_000000"), "image");
     EXPECT_NE(FailureOf([&] { Open(FileAccess::kReadWrite); }), "nothing");
 }
 
