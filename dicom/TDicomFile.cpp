@@ -471,6 +471,8 @@ void TDicomFile::CreateCopyFile(const TFileSpec& destination) {
 
 int64_t TDicomFile::CopyNextChunk() {
     if (fCopyFile == nullptr) return 0;
+    // Reading the file anew during the copy may have shown that it has become shorter.
+    if (fFileSize < fCopyPosition) throw FileException(FileException::Cause::kEndOfFile, 0, kImageData);
     const auto count = static_cast<size_t>(std::min<int64_t>(fFileSize - fCopyPosition, kChunkSize));
     SeekTo(OpenedFile(), fCopyPosition);
     if (ReadBytes(OpenedFile(), fChunk.data(), count) < count) {
