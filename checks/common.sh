@@ -23,12 +23,15 @@ configure() {
 }
 
 # Brings build/PRESET up to date with the sources: build PRESET [TARGET...]
-build() {
-    local preset=$1
+# One at a time builds; ./vantor takes the same lock.
+build() (
+    preset=$1
     shift
+    exec 8>build/build.lock
+    flock 8
     configure "$preset"
     cmake --build "build/$preset" ${1:+--target "$@"}
-}
+)
 
 # A DICOM file that is no work of ours; Debian's python3-pydicom brings it.
 foreign_dicom_file() {
