@@ -5,6 +5,7 @@
 #include <limits>
 #include <new>
 #include <string_view>
+#include <utility>
 
 #include "dicom/ByteOrder.h"
 #include "dicom/TDicomDataSetLayout.h"
@@ -432,11 +433,12 @@ bool TImageFile::ReadFrame(int32_t frameNumber) {
     if (!range.has_value() || range->fStart >= range->fEnd || range->fEnd > fFileSize) return false;
     const auto length = static_cast<uint64_t>(range->fEnd - range->fStart);
     if (length > fFrame.max_size()) return false;
-    fFrame.resize(static_cast<size_t>(length));
+    // Filled apart: a read that fails half way must not leave zeros for a frame.
+    std::vector<uint8_t> frame(static_cast<size_t>(length));
     SeekTo(*fFile, range->fStart);
-    const bool isComplete = ReadBytes(*fFile, fFrame.data(), fFrame.size()) == fFrame.size();
-    if (!isComplete) fFrame.clear();
-    return isComplete;
+    if (ReadBytes(*fFile, frame.data(), frame.size()) < frame.size()) return false;
+    fFrame = std::move(frame);
+    return true;
 }
 
 std::optional<TImageFile::Range> TImageFile::FindFrame(int32_t frameNumber) {
