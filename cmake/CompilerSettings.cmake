@@ -16,6 +16,11 @@ else()
     target_compile_options(vantor_settings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 endif()
 
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT WIN32)
+    # Nobody puts functions of their own in place of the library's, so it may call and inline them directly.
+    target_compile_options(vantor_settings INTERFACE -fno-semantic-interposition)
+endif()
+
 if(VANTOR_SANITIZE)
     set(VANTOR_SANITIZERS -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_compile_options(vantor_settings INTERFACE ${VANTOR_SANITIZERS})

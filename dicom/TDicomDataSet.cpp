@@ -246,6 +246,34 @@ bool TDicomDataSet::FindElement(uint16_t group, uint16_t element, VrCode* vr, ui
     return true;
 }
 
+bool TDicomDataSet::FindElements(std::span<Wanted> wanted) const {
+    CheckConstructed();
+    auto next = wanted.begin();
+    int32_t offset = 0;
+    Header header;
+    Tag last;
+    while (DecodeHeader(offset, header)) {
+        const bool isInOrder = offset == 0 || header.fTag > last;
+        const int64_t end = int64_t{offset} + header.fSize + header.fRawLength;
+        if (!isInOrder || end > fUsedSize || IsKnownSequence(header)) return false;
+        while (next != wanted.end() && next->fTag < header.fTag) ++next;
+        if (next != wanted.end() && next->fTag == header.fTag) {
+            next->fIsFound = true;
+            next->fLength = header.fRawLength;
+            ReadValue(offset, header, header.fRawLength, next->fValue, next->fCapacity);
+        }
+        last = header.fTag;
+        offset = static_cast<int32_t>(end);
+    }
+    return offset == fUsedSize;
+}
+
+bool TDicomDataSet::GetText(Tag tag, char* text, uint32_t textSize) const {
+    if (textSize == 0) return false;
+    std::fill_n(text, textSize, '\0');
+    return FindElement(tag, nullptr, nullptr, text, textSize - 1);
+}
+
 bool TDicomDataSet::GetNextElement(int32_t offset, uint16_t* group, uint16_t* element, VrCode* vr,
                                    uint32_t* length, void* value, uint32_t valueCapacity,
                                    int32_t* nextOffset) const {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 
 #include "dicom/Tags.h"
 #include "dicom/Vr.h"
@@ -80,6 +81,25 @@ class TDicomDataSet {
                      uint32_t valueCapacity = 0, int32_t* offset = nullptr) const {
         return FindElement(tag.fGroup, tag.fElement, vr, length, value, valueCapacity, offset);
     }
+
+    // An element that FindElements looks for, and what it found of it; the value as FindElement gives it.
+    struct Wanted {
+        Tag fTag;
+        void* fValue = nullptr;
+        uint32_t fCapacity = 0;
+        uint32_t fLength = 0;
+        bool fIsFound = false;
+    };
+
+    // Finds several elements, wanted in ascending order of their tags, in one walk through the whole data
+    // set. False, whatever was found, unless the data set is plain: every element lies within it, each behind
+    // those with lower tags, and none is a sequence. A plain data set can be converted without failure.
+    // Throws nothing but what an object that was not properly constructed throws.
+    bool FindElements(std::span<Wanted> wanted) const;
+
+    // Copies at most textSize − 1 bytes of a value to `text`; what follows up to its end becomes NUL. False,
+    // and an empty text, when the element is absent or textSize is 0. Throws what FindElement throws.
+    bool GetText(Tag tag, char* text, uint32_t textSize) const;
 
     // Steps to the element after the one at `offset`, or to the first (kFromStart). False at the end.
     // Outputs as FindElement. Throws TException 102 "Invalid DICOM element length, longer than the data

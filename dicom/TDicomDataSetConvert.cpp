@@ -17,6 +17,28 @@ namespace {
 constexpr uint32_t kItemGrowthDivisor = 4;
 constexpr uint32_t kItemMaximumFactor = 4;
 
+struct Place {
+    Tag fTag;
+    int32_t fOffset;
+};
+
+// Where the elements are, by ascending tags, group lengths left out. Sets of a hundred thousand elements that
+// are not in order would take minutes to be put in order one by one.
+std::vector<Place> PlacesInOrder(const TDicomDataSet& dataSet) {
+    std::vector<Place> places;
+    Tag tag;
+    int32_t offset = TDicomDataSet::kFromStart;
+    while (
+        dataSet.GetNextElement(offset, &tag.fGroup, &tag.fElement, nullptr, nullptr, nullptr, 0, &offset)) {
+        if (tag.fElement != kGroupLengthElement) places.push_back({tag, offset});
+    }
+    const auto isBefore = [](const Place& a, const Place& b) { return a.fTag < b.fTag; };
+    if (!std::is_sorted(places.begin(), places.end(), isBefore)) {
+        std::stable_sort(places.begin(), places.end(), isBefore);
+    }
+    return places;
+}
+
 }  // namespace
 
 std::unique_ptr<TDicomDataSet> TDicomDataSet::ConvertTo(bool isExplicit, bool isBigEndian,
@@ -35,11 +57,19 @@ std::unique_ptr<TDicomDataSet> TDicomDataSet::ConvertNested(bool isExplicit, boo
     }
     auto target =
         std::make_unique<TDicomDataSet>(isExplicit, isBigEndian, initialSize, growBy, maxSize, context);
-    Header header;
-    int32_t offset = kFromStart;
-    while (GetNextElement(offset, nullptr, nullptr, nullptr, nullptr, nullptr, 0, &offset)) {
-        DecodeHeader(offset, header);
-        if (header.fTag.fElement != kGroupLengthElement) ConvertElement(offset, header, *target, nesting);
+    const std::vector<Place> places = PlacesInOrder(*this);
+    for (auto next = places.begin(); next != places.end();) {
+        const auto end =
+            std::find_if(next, places.end(), [&](const Place& place) { return next->fTag < place.fTag; });
+        // Of elements with the same tag the last one that is not dropped stays.
+        const int32_t sizeBefore = target->fUsedSize;
+        for (auto place = end; place != next && target->fUsedSize == sizeBefore;) {
+            --place;
+            Header header;
+            DecodeHeader(place->fOffset, header);
+            ConvertElement(place->fOffset, header, *target, nesting);
+        }
+        next = end;
     }
     return target;
 }

@@ -50,7 +50,7 @@ struct TDicomDataSet::DumpSink {
     }
 
     void Indent(int32_t depth) {
-        for (int32_t level = 0; level < depth; ++level) Text(kIndentPerDepth);
+        for (int32_t level = 0; level < depth && !IsFull(); ++level) Text(kIndentPerDepth);
     }
 
     // The number's bytes in hexadecimal, the most significant first.

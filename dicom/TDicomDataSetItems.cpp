@@ -13,6 +13,16 @@ namespace Vantor {
 
 using namespace DataSetLayout;
 
+namespace {
+
+// Where the content of a sequence of a stored length ends at the latest.
+int64_t EndOfContent(int64_t content, uint32_t rawLength, int32_t usedSize) {
+    if (rawLength == TDicomDataSet::kUndefinedLength) return usedSize;
+    return std::min<int64_t>(content + rawLength, usedSize);
+}
+
+}  // namespace
+
 int32_t TDicomDataSet::SequenceHeaderSize() const { return fIsExplicit ? kLongHeaderSize : kShortHeaderSize; }
 
 bool TDicomDataSet::HasItemAt(int64_t offset) const {
@@ -69,8 +79,7 @@ bool TDicomDataSet::FindNextItem(int32_t sequenceOffset, int32_t previousItemOff
     const Header sequence = SequenceHeaderAt(sequenceOffset);
     const int64_t content = static_cast<int64_t>(sequenceOffset) + SequenceHeaderSize();
     const bool isDefined = sequence.fRawLength != kUndefinedLength;
-    const auto end = static_cast<int32_t>(
-        isDefined ? std::min<int64_t>(content + sequence.fRawLength, fUsedSize) : fUsedSize);
+    const auto end = static_cast<int32_t>(EndOfContent(content, sequence.fRawLength, fUsedSize));
     if (previousItemOffset == kFromStart) {
         Tag tag;
         if (!ReadTagAt(content, tag)) return false;
@@ -228,11 +237,16 @@ void TDicomDataSet::AddItem(int32_t sequenceOffset, const void* itemBytes, uint3
 
 bool TDicomDataSet::DeleteItem(int32_t sequenceOffset, int32_t itemOffset, uint32_t itemLength) {
     const Header sequence = SequenceHeaderAt(sequenceOffset);
+    const int64_t content = static_cast<int64_t>(sequenceOffset) + SequenceHeaderSize();
+    const int64_t end = EndOfContent(content, sequence.fRawLength, fUsedSize);
     const int64_t start = static_cast<int64_t>(itemOffset) - kItemHeaderSize;
-    if (!HasItemAt(start) || static_cast<int64_t>(itemOffset) + itemLength > fUsedSize) return false;
+    // An item outside, at an offset that has become stale, is not this sequence's: its length says nothing of
+    // it.
+    if (start < content || itemOffset > end || !HasItemAt(start)) return false;
     const bool hasDelimiter = ReadNumber32(itemOffset - kLengthSize) == kUndefinedLength;
     const int64_t size =
         static_cast<int64_t>(itemLength) + kItemHeaderSize + (hasDelimiter ? kDelimiterSize : 0);
+    if (start + size > end) return false;
     CloseGap(static_cast<int32_t>(start), size);
     if (sequence.fRawLength != kUndefinedLength) {
         WriteSequenceLength(sequenceOffset, static_cast<uint32_t>(sequence.fRawLength - size));

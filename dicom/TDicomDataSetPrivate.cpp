@@ -21,7 +21,7 @@ constexpr uint32_t kCreatorBufferSize = 64;
 // The stored text is compared from its last byte backwards, over its own length only; behind the end of the
 // wanted text there are NULs.
 bool TDicomDataSet::IsPrivateCreator(int32_t offset, const Header& header, const char* creator) const {
-    char stored[kCreatorBufferSize];
+    char stored[kCreatorBufferSize] = {};  // of numbers, the last bytes may be no whole one and are not read
     const uint32_t valueLength = LengthOf(offset, header);
     ReadValue(offset, header, valueLength, stored, sizeof(stored));
     const auto room = static_cast<uint32_t>(fUsedSize - offset - header.fSize);

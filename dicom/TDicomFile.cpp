@@ -111,13 +111,13 @@ int32_t MeasureMeta(const uint8_t* bytes, int64_t count) {
 }
 
 // False, and an empty text, when the element is absent. Of the padding one NUL is dropped.
-bool ReadUid(const TDicomDataSet& meta, Tag tag, TUidText& uid) {
-    uid.Clear();
-    uint32_t length = 0;
-    if (!meta.FindElement(tag, nullptr, &length, uid.fText, kMaximumUidLength)) return false;
-    uid.fLength = std::min<uint32_t>(length, kMaximumUidLength);
+bool ReadUid(const TDicomDataSet& meta, Tag tag, TKeptUid& kept) {
+    TUidText uid;
+    const bool isThere = meta.FindElement(tag, nullptr, &uid.fLength, uid.fText, kMaximumUidLength);
+    uid.fLength = std::min<uint32_t>(uid.fLength, kMaximumUidLength);
     if (uid.fLength > 0 && uid.fText[uid.fLength - 1] == '\0') --uid.fLength;
-    return true;
+    kept.Set(uid);
+    return isThere;
 }
 
 // Compares a stored UID with a constant over the stored length only: an empty UID, and one that breaks off
@@ -203,20 +203,20 @@ TDicomFile::~TDicomFile() {
 
 // ---- Identity ----
 
-bool TDicomFile::GetSOPClassUID(char* buffer) { return fSOPClassUID.CopyTo(buffer); }
+bool TDicomFile::GetSOPClassUID(char* buffer) { return fSOPClassUID.Get().CopyTo(buffer); }
 
-bool TDicomFile::GetSOPInstanceUID(char* buffer) { return fSOPInstanceUID.CopyTo(buffer); }
+bool TDicomFile::GetSOPInstanceUID(char* buffer) { return fSOPInstanceUID.Get().CopyTo(buffer); }
 
 void TDicomFile::SetSOPClassUID(const char* text) {
     fIsModified = true;
     TIODSource::SetSOPClassUID(text);
-    PutUid(fMetaDataSet.get(), Tags::kMediaStorageSOPClassUID, fSOPClassUID);
+    PutUid(fMetaDataSet.get(), Tags::kMediaStorageSOPClassUID, fSOPClassUID.Get());
 }
 
 void TDicomFile::SetSOPInstanceUID(const char* text) {
     fIsModified = true;
     TIODSource::SetSOPInstanceUID(text);
-    PutUid(fMetaDataSet.get(), Tags::kMediaStorageSOPInstanceUID, fSOPInstanceUID);
+    PutUid(fMetaDataSet.get(), Tags::kMediaStorageSOPInstanceUID, fSOPInstanceUID.Get());
 }
 
 // ---- New files ----
@@ -264,9 +264,9 @@ void TDicomFile::MakeMetaDataSet(const char* implementationClassUID) {
         std::make_unique<TDicomDataSet>(true, false, kNewMetaSize, kNewMetaSize, kNewMetaRoom, fContext);
     fMetaDataSet->PutElement(Tags::kFileMetaInformationVersion, Vr::kOB, kMetaVersion.size(),
                              kMetaVersion.data(), kMetaVersion.size());
-    PutUid(fMetaDataSet.get(), Tags::kMediaStorageSOPClassUID, fSOPClassUID);
-    PutUid(fMetaDataSet.get(), Tags::kMediaStorageSOPInstanceUID, fSOPInstanceUID);
-    PutUid(fMetaDataSet.get(), Tags::kTransferSyntaxUID, fTransferSyntaxUID);
+    PutUid(fMetaDataSet.get(), Tags::kMediaStorageSOPClassUID, fSOPClassUID.Get());
+    PutUid(fMetaDataSet.get(), Tags::kMediaStorageSOPInstanceUID, fSOPInstanceUID.Get());
+    PutUid(fMetaDataSet.get(), Tags::kTransferSyntaxUID, fTransferSyntaxUID.Get());
     PutUid(fMetaDataSet.get(), Tags::kImplementationClassUID, implementation);
 }
 
@@ -371,11 +371,11 @@ bool TDicomFile::ParseMetaHeader(const uint8_t* bytes, int64_t count) {
 void TDicomFile::ApplyTransferSyntax() {
     fIsExplicit = true;
     fIsBigEndian = false;
-    if (Selects(fTransferSyntaxUID, Uids::kImplicitVRLittleEndian)) {
+    if (Selects(fTransferSyntaxUID.Get(), Uids::kImplicitVRLittleEndian)) {
         fIsExplicit = false;
-    } else if (Selects(fTransferSyntaxUID, Uids::kExplicitVRLittleEndian)) {
+    } else if (Selects(fTransferSyntaxUID.Get(), Uids::kExplicitVRLittleEndian)) {
         return;
-    } else if (Selects(fTransferSyntaxUID, Uids::kExplicitVRBigEndian)) {
+    } else if (Selects(fTransferSyntaxUID.Get(), Uids::kExplicitVRBigEndian)) {
         fIsBigEndian = true;
     }
 }
@@ -534,6 +534,10 @@ void TDicomFile::ForgetCopy() {
 }
 
 // ---- Size and time ----
+
+int64_t TDicomFile::GetHeaderSize() const {
+    return kMetaOffset + (fMetaDataSet == nullptr ? 0 : fMetaDataSet->GetDataSetSize());
+}
 
 uint32_t TDicomFile::GetFileSizeKB() {
     // Held throughout, so that a file that is open is one that this thread has opened.

@@ -129,6 +129,10 @@ class TDicomFile : public TIODSource {
     // The meta information, owned by this object; null when none was read or made.
     TDicomDataSet* GetMetaDataSet() { return fMetaDataSet.get(); }
 
+    // How many bytes stand before the main data set in a file with this meta information: preamble, prefix
+    // and the meta information itself.
+    int64_t GetHeaderSize() const;
+
     // The values given at construction.
     uintptr_t GetOwner() const { return fOwner; }
     uintptr_t GetContext() const { return fContext; }

@@ -18,26 +18,41 @@ bool TUidText::CopyTo(char* buffer) const {
     return true;
 }
 
+void TKeptUid::Set(const char* text) {
+    TUidText uid;
+    uid.Set(text);
+    Set(uid);
+}
+
+void TKeptUid::Set(const TUidText& uid) {
+    fUid = uid.fLength == 0 ? nullptr : std::make_unique<const TUidText>(uid);
+}
+
+const TUidText& TKeptUid::Get() const {
+    static const TUidText kEmpty;
+    return fUid == nullptr ? kEmpty : *fUid;
+}
+
 TIODSource::TIODSource() = default;
 
 TIODSource::~TIODSource() = default;
 
 TDicomDataSet* TIODSource::GetDataSet() { return fDataSet.get(); }
 
-bool TIODSource::GetTransferSyntaxUID(char* buffer) { return fTransferSyntaxUID.CopyTo(buffer); }
+bool TIODSource::GetTransferSyntaxUID(char* buffer) { return fTransferSyntaxUID.Get().CopyTo(buffer); }
 
-bool TIODSource::GetSOPClassUID(char* buffer) { return fSOPClassUID.CopyTo(buffer); }
+bool TIODSource::GetSOPClassUID(char* buffer) { return fSOPClassUID.Get().CopyTo(buffer); }
 
-bool TIODSource::GetSOPInstanceUID(char* buffer) { return fSOPInstanceUID.CopyTo(buffer); }
+bool TIODSource::GetSOPInstanceUID(char* buffer) { return fSOPInstanceUID.Get().CopyTo(buffer); }
 
 void TIODSource::SetSOPClassUID(const char* text) {
     fSOPClassUID.Set(text);
-    PutUid(fDataSet.get(), Tags::kSOPClassUID, fSOPClassUID);
+    PutUid(fDataSet.get(), Tags::kSOPClassUID, fSOPClassUID.Get());
 }
 
 void TIODSource::SetSOPInstanceUID(const char* text) {
     fSOPInstanceUID.Set(text);
-    PutUid(fDataSet.get(), Tags::kSOPInstanceUID, fSOPInstanceUID);
+    PutUid(fDataSet.get(), Tags::kSOPInstanceUID, fSOPInstanceUID.Get());
 }
 
 void TIODSource::SetTransferSyntaxUID(const char* text) { fTransferSyntaxUID.Set(text); }

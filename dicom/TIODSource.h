@@ -25,6 +25,19 @@ struct TUidText {
     bool CopyTo(char* buffer) const;
 };
 
+// The same for objects that many are made of: takes no room while it is empty.
+class TKeptUid {
+  public:
+    void Set(const char* text);
+    void Set(const TUidText& uid);
+
+    // The UID; one without text while it is empty.
+    const TUidText& Get() const;
+
+  private:
+    std::unique_ptr<const TUidText> fUid;  // null while empty
+};
+
 // The common base of everything that carries a DICOM data set with its SOP identity: files, and the record
 // documents of a directory. Owns its data set.
 class TIODSource : public TRefCount {
@@ -61,9 +74,9 @@ class TIODSource : public TRefCount {
     static void PutUid(TDicomDataSet* dataSet, Tag tag, const TUidText& uid);
 
     std::unique_ptr<TDicomDataSet> fDataSet;
-    TUidText fTransferSyntaxUID;
-    TUidText fSOPClassUID;
-    TUidText fSOPInstanceUID;
+    TKeptUid fTransferSyntaxUID;
+    TKeptUid fSOPClassUID;
+    TKeptUid fSOPInstanceUID;
     bool fIsModified = false;  // set whenever a file's SOP class or instance UID is set
 };
 

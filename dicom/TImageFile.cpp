@@ -1,7 +1,6 @@
 #include "dicom/TImageFile.h"
 
 #include <algorithm>
-#include <charconv>
 #include <limits>
 #include <new>
 #include <string_view>
@@ -333,15 +332,10 @@ int32_t TImageFile::GetNumberOfFrames() {
 }
 
 int32_t TImageFile::ReadNumberOfFrames(const TDicomDataSet& dataSet) {
-    char text[kLongestNumberOfFrames] = {};
-    uint32_t length = 0;
-    if (!dataSet.FindElement(Tags::kNumberOfFrames, nullptr, &length, text, sizeof(text))) return 0;
-    const char* start = text;
-    const char* const end = text + std::min(length, kLongestNumberOfFrames);
-    while (start != end && *start == ' ') ++start;
-    if (start != end && *start == '+') ++start;
-    int32_t number = 0;
-    return std::from_chars(start, end, number).ec == std::errc() ? number : 0;
+    char text[kLongestNumberOfFrames + 1] = {};
+    if (!dataSet.GetText(Tags::kNumberOfFrames, text, sizeof(text))) return 0;
+    const int32_t number = TTextUtil().ReadInteger(text).value_or(0);
+    return number == std::numeric_limits<int32_t>::max() ? 0 : number;  // more than any file can have
 }
 
 void TImageFile::BuildFrameTable(const View& view) {
@@ -533,7 +527,7 @@ int32_t TImageFile::BeginCopy(const TFileSpec& destination, int64_t& frameCount)
 bool TImageFile::IsCopying() const { return fWriter != nullptr && fCopyFile != nullptr; }
 
 bool TImageFile::HasCompressedSyntax() const {
-    const TUidText& syntax = fTransferSyntaxUID;
+    const TUidText& syntax = fTransferSyntaxUID.Get();
     const std::string_view uid(syntax.fText, syntax.fLength);
     return !uid.empty() && uid != Uids::kImplicitVRLittleEndian && uid != Uids::kExplicitVRLittleEndian &&
            uid != Uids::kExplicitVRBigEndian;
@@ -592,7 +586,7 @@ int32_t TImageFile::AppendFrameOf(TImageFile& source, int32_t frameNumber) {
 bool TImageFile::HasSamePixelForm(const TImageFile& source) const {
     if (source.fIsEncapsulated != fWriter->IsEncapsulated()) return false;
     if (!source.fIsEncapsulated) return source.fIsBigEndian == fIsBigEndian;
-    return TTextUtil().EqualStrings(source.fTransferSyntaxUID.fText, fTransferSyntaxUID.fText);
+    return TTextUtil().EqualStrings(source.fTransferSyntaxUID.Get().fText, fTransferSyntaxUID.Get().fText);
 }
 
 void TImageFile::EndCopy(const TFileSpec* destination) {

@@ -1,6 +1,5 @@
 #include "dicom/TSRFile.h"
 
-#include <algorithm>
 #include <memory>
 #include <mutex>
 
@@ -125,11 +124,10 @@ bool TSRFile::GetReportStatus(char* output, uint32_t outputSize) {
 
 bool TSRFile::ReadText(Tag tag, char* output, uint32_t outputSize) {
     if (outputSize == 0) return false;
-    // Also what a value that breaks off with the file leaves unwritten.
-    std::fill_n(output, outputSize, '\0');
+    output[0] = '\0';
     return AnswerOrFalse([&] {
         const TDicomDataSet* dataSet = GetDataSet();
-        return dataSet != nullptr && dataSet->FindElement(tag, nullptr, nullptr, output, outputSize - 1);
+        return dataSet != nullptr && dataSet->GetText(tag, output, outputSize);
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 namespace Vantor {
 
@@ -71,6 +72,22 @@ int32_t TTextUtil::AppendHex(const uint8_t* bytes, uint32_t count, char* buffer,
         buffer[position++] = kDigits[bytes[index] & 0x0F];
     }
     return position;
+}
+
+std::optional<int32_t> TTextUtil::ReadInteger(const char* text) const {
+    // The C locale's: a host may have set another one.
+    while (*text == ' ' || (*text >= '\t' && *text <= '\r')) ++text;
+    const bool isNegative = *text == '-';
+    if (*text == '-' || *text == '+') ++text;
+    if (*text < '0' || *text > '9') return std::nullopt;
+    constexpr int64_t kBase = 10;
+    constexpr int64_t kSmallest = std::numeric_limits<int32_t>::min();
+    constexpr int64_t kLargest = std::numeric_limits<int32_t>::max();
+    int64_t number = 0;
+    for (; *text >= '0' && *text <= '9'; ++text) {
+        number = std::clamp(number * kBase + (isNegative ? '0' - *text : *text - '0'), kSmallest, kLargest);
+    }
+    return static_cast<int32_t>(number);
 }
 
 void TTextUtil::ReplaceChar(char from, char to, char* text, uint32_t length) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 namespace Vantor {
 
@@ -43,6 +44,10 @@ class TTextUtil {
     // Appends each byte as two upper-case hexadecimal digits, as long as both fit. Gives the new position.
     int32_t AppendHex(const uint8_t* bytes, uint32_t count, char* buffer, int32_t capacity,
                       int32_t position) const;
+
+    // The integer at the start of a text, behind white space and a sign; none when there is none. One beyond
+    // 32 bits is the nearest that fits.
+    std::optional<int32_t> ReadInteger(const char* text) const;
 
     // Replaces each `from` by `to` in the first `length` bytes.
     void ReplaceChar(char from, char to, char* text, uint32_t length) const;

@@ -22,6 +22,17 @@ inline constexpr Tag kMediaStorageSOPInstanceUID{0x0002, 0x0003};
 inline constexpr Tag kTransferSyntaxUID{0x0002, 0x0010};
 inline constexpr Tag kImplementationClassUID{0x0002, 0x0012};
 
+inline constexpr Tag kFileSetID{0x0004, 0x1130};
+inline constexpr Tag kFirstRootRecordOffset{0x0004, 0x1200};
+inline constexpr Tag kDirectoryRecordSequence{0x0004, 0x1220};
+inline constexpr Tag kNextRecordOffset{0x0004, 0x1400};
+inline constexpr Tag kRecordInUseFlag{0x0004, 0x1410};
+inline constexpr Tag kLowerLevelOffset{0x0004, 0x1420};
+inline constexpr Tag kDirectoryRecordType{0x0004, 0x1430};
+inline constexpr Tag kReferencedFileID{0x0004, 0x1500};
+inline constexpr Tag kReferencedSOPClassUIDInFile{0x0004, 0x1510};
+inline constexpr Tag kReferencedSOPInstanceUIDInFile{0x0004, 0x1511};
+
 inline constexpr Tag kSOPClassUID{0x0008, 0x0016};
 inline constexpr Tag kSOPInstanceUID{0x0008, 0x0018};
 inline constexpr Tag kStudyDate{0x0008, 0x0020};
@@ -58,6 +69,10 @@ inline constexpr Tag kLargeRedPaletteDescriptor{0x0028, 0x1111};
 inline constexpr Tag kReportStatus{0x0040, 0xA125};
 inline constexpr Tag kCompletionFlag{0x0040, 0xA491};
 inline constexpr Tag kVerificationFlag{0x0040, 0xA493};
+
+// What a workstation's exam layout leaves in the study record: the creator, and the exam's folder.
+inline constexpr Tag kExamCreator{0x7FDF, 0x0010};
+inline constexpr Tag kExamFolder{0x7FDF, 0x10F2};
 
 inline constexpr Tag kPixelData{0x7FE0, 0x0010};
 

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <iterator>
 #include <string>
 
 #include "tests/support/FileBuilder.h"
@@ -37,6 +38,10 @@ constexpr Syntax kSyntaxes[] = {{"explicit", Uids::kExplicitVRLittleEndian, 1},
                                 {"implicit", Uids::kImplicitVRLittleEndian, 0},
                                 {"implicit-named", Uids::kImplicitVRLittleEndian, 4}};
 
+// The forms of a data set, as DataSetOperationsFuzz takes them beside the flags.
+constexpr uint8_t kOwning = 0;
+constexpr uint8_t kWrapping = 8;
+
 void FillIdentity(ElementBuilder& data, const Bytes& item, ElementBuilder::Lengths lengths) {
     data.Text(Tags::kSOPClassUID, Vr::kUI, FileBuilder::kSecondaryCapture)
         .Text(Tags::kSOPInstanceUID, Vr::kUI, FileBuilder::kInstanceUID)
@@ -46,6 +51,20 @@ void FillIdentity(ElementBuilder& data, const Bytes& item, ElementBuilder::Lengt
         .Text(Tags::kPatientName, Vr::kPN, "Doe^Jane")
         .Text({0x0021, 0x0010}, Vr::kLO, "QUANTIX")
         .Value({0x0021, 0x10A6}, Vr::kUN, {1, 2, 3, 4});
+}
+
+// A data set and a few operations of every kind on it, as DataSetOperationsFuzz takes them.
+Bytes MakeProgram(int form, const Bytes& content) {
+    Bytes seed = {static_cast<uint8_t>(form), static_cast<uint8_t>(content.size()),
+                  static_cast<uint8_t>(content.size() >> 8)};
+    seed.insert(seed.end(), content.begin(), content.end());
+    constexpr uint8_t kOperations = 21;
+    constexpr uint8_t kFindSequence[] = {2, 1, 0, 0, 0x80};
+    for (uint8_t operation = 0; operation < kOperations; ++operation) {
+        seed.insert(seed.end(), std::begin(kFindSequence), std::end(kFindSequence));
+        seed.insert(seed.end(), {operation, 1, 1, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x84, 'D', 'A', 'T', 'A'});
+    }
+    return seed;
 }
 
 void WriteDataSets(const SeedFolder& seeds) {
@@ -60,8 +79,31 @@ void WriteDataSets(const SeedFolder& seeds) {
             Bytes seed = {syntax.fFlags};
             seed.insert(seed.end(), data.GetBytes().begin(), data.GetBytes().end());
             const bool isDefined = lengths == ElementBuilder::Lengths::kDefined;
-            seeds.Write("DataSetFuzz", std::string(syntax.fName) + (isDefined ? "" : "-undefined"), seed);
+            const std::string name = std::string(syntax.fName) + (isDefined ? "" : "-undefined");
+            seeds.Write("DataSetFuzz", name, seed);
+            for (const uint8_t form : {kOwning, kWrapping})
+                seeds.Write("DataSetOperationsFuzz", name + std::to_string(form),
+                            MakeProgram(form | syntax.fFlags, data.GetBytes()));
         }
+    }
+}
+
+// Programs of ImageCopyFuzz: a step is its operation and, times their count, its number.
+void WriteCopies(const SeedFolder& seeds, const std::string& name, const Bytes& file) {
+    constexpr uint8_t kNumber = 14;
+    constexpr uint8_t kPrograms[][12] = {
+        // To another stream, then onto itself.
+        {0, 4, 4, kNumber + 5, kNumber + 6, 2 * kNumber + 6, 4 * kNumber + 7, 2, 1, 4, 4, 2},
+        // Abandoned, with its elements changed, and from a damaged medium.
+        {1, 4, 3, kNumber + 8, 1, kNumber + 6, 9 * kNumber + 10, 2 * kNumber + 6, 2, 0, 2 * kNumber + 11, 4},
+        // On media that fail, and given up by going away.
+        {0, 4, 2 * kNumber + 12, 4, 2, 12, 0, 4, 13, 9, 1, 4}};
+    for (const auto& program : kPrograms) {
+        Bytes seed(std::begin(program), std::end(program));
+        seed.insert(seed.end(), {static_cast<uint8_t>(file.size() >> 8), static_cast<uint8_t>(file.size())});
+        seed.insert(seed.end(), file.begin(), file.end());
+        seed.insert(seed.end(), file.begin(), file.end());
+        seeds.Write("ImageCopyFuzz", name + std::to_string(&program - kPrograms), seed);
     }
 }
 
@@ -75,13 +117,16 @@ void WriteFiles(const SeedFolder& seeds) {
             seeds.Write(target, syntax.fName, file.Build());
         file.Data().Value(Tags::kPixelData, Vr::kOW, {1, 2, 3, 4, 5, 6, 7, 8});
         seeds.Write("ImageReaderFuzz", syntax.fName, file.Build());
+        WriteCopies(seeds, syntax.fName, file.Build());
     }
     for (const bool hasTable : {false, true}) {
         FileBuilder file(kJpegBaseline);
         file.Data().Text({0x0028, 0x0008}, Vr::kIS, "2");
         const std::vector<uint32_t> table = hasTable ? std::vector<uint32_t>{0, 12} : std::vector<uint32_t>{};
         file.Data().EncapsulatedPixels(table, {{1, 2, 3, 4}, {5, 6}});
-        seeds.Write("ImageReaderFuzz", hasTable ? "jpeg-table" : "jpeg", file.Build());
+        const char* name = hasTable ? "jpeg-table" : "jpeg";
+        seeds.Write("ImageReaderFuzz", name, file.Build());
+        WriteCopies(seeds, name, file.Build());
     }
     FileBuilder palette;
     palette.Data()

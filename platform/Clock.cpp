@@ -10,6 +10,8 @@ class SystemClock : public Clock {
   public:
     std::chrono::steady_clock::time_point Now() override { return std::chrono::steady_clock::now(); }
 
+    std::optional<LocalTime> GetLocalTime() override { return ReadSystemLocalTime(); }
+
     void Sleep(std::chrono::milliseconds duration) override {
         if (duration.count() > 0) {
             std::this_thread::sleep_for(duration);

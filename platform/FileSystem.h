@@ -30,6 +30,13 @@ bool IsFolder(const std::string& path);
 // True when both paths name the same existing file, however they are spelled.
 bool IsSameFile(const std::string& first, const std::string& second);
 
+// Makes a folder in an existing one. Throws FileException, also when there is something of that name already.
+void CreateFolder(const std::string& path);
+
+// The bytes that this user may still write on the volume that holds an existing file or folder; 0 when that
+// cannot be told.
+uint64_t GetFreeSpace(const std::string& path);
+
 // Removes a file (never a folder). Throws FileException, also when there is none.
 void RemoveFile(const std::string& path);
 

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 
 #include <cstdlib>
 
@@ -59,6 +60,24 @@ bool IsSameFile(const std::string& first, const std::string& second) {
     struct stat secondState = {};
     return GetState(first, firstState) && GetState(second, secondState) &&
            firstState.st_dev == secondState.st_dev && firstState.st_ino == secondState.st_ino;
+}
+
+void CreateFolder(const std::string& path) {
+    constexpr mode_t kAllThatTheUserMaskLeaves = 0777;
+    const LookedUpPath found = LookUpPath(path);
+    if (found.fMissing == Missing::kNothing) {
+        ThrowPathError(EEXIST, path);
+    }
+    if (mkdir(found.fPath.c_str(), kAllThatTheUserMaskLeaves) != 0) {
+        ThrowPathError(errno, path);
+    }
+    NoteAdded(found.fPath);
+}
+
+uint64_t GetFreeSpace(const std::string& path) {
+    struct statvfs volume = {};
+    const int result = WithPathOnDisk(path, [&](const char* spelled) { return statvfs(spelled, &volume); });
+    return result == 0 ? uint64_t{volume.f_bavail} * volume.f_frsize : 0;
 }
 
 void RemoveFile(const std::string& path) {

@@ -57,6 +57,17 @@ bool IsSameFile(const std::string& first, const std::string& second) {
            firstFile->nFileIndexLow == secondFile->nFileIndexLow;
 }
 
+void CreateFolder(const std::string& path) {
+    if (!CreateDirectoryA(path.c_str(), nullptr)) {
+        ThrowLastError(path);
+    }
+}
+
+uint64_t GetFreeSpace(const std::string& path) {
+    ULARGE_INTEGER freeToCaller = {};
+    return GetDiskFreeSpaceExA(path.c_str(), &freeToCaller, nullptr, nullptr) ? freeToCaller.QuadPart : 0;
+}
+
 void RemoveFile(const std::string& path) {
     if (!DeleteFileA(path.c_str())) {
         ThrowLastError(path);

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "dicom/TDicomDictionary.h"
 #include "tests/support/DicomSupport.h"
 #include "tests/support/FileBuilder.h"
@@ -99,6 +101,14 @@ TEST(Dump, IsCutAtTheCapacity) {
         const size_t sure = cut.size() < 2 ? 0 : cut.size() - 2;  // half a byte's digits are not written
         EXPECT_EQ(cut.substr(0, sure), whole.substr(0, sure));
     }
+}
+
+// However deep a caller says that it is: what has no room is not counted out either.
+TEST(Dump, AnyDepthEndsAtTheCapacity) {
+    Bytes bytes = ElementBuilder().Text(Tags::kModality, Vr::kCS, "US").GetBytes();
+    std::string text(100, '\0');
+    EXPECT_EQ(Over(bytes).Dump(std::numeric_limits<int32_t>::max(), text.data(), 100, 0), 100);
+    EXPECT_EQ(text, std::string(100, ' '));
 }
 
 }  // namespace

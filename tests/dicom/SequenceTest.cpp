@@ -143,6 +143,23 @@ TEST(Sequence, AnItemThatReachesPastItsSequenceIsNone) {
     EXPECT_EQ(Over(bytes).CountItemsInSequence(0), 0);
 }
 
+// Offsets that a host has kept from before a change. The last sequence breaks off within its header, so there
+// is no length to be written back.
+TEST(Sequence, OnlyItsOwnItemsAreDeleted) {
+    const Bytes item = ElementBuilder().ItemHeader(Tags::kItem, 0).GetBytes();
+    const Bytes empty = ElementBuilder().Sequence(kSequence, {}).GetBytes();
+    const Bytes cut(empty.begin(), empty.begin() + 8);
+    const std::tuple<Bytes, Bytes, int32_t, int32_t> cases[] = {
+        {item, empty, 8, 8}, {empty, item, 0, 20}, {item, cut, 8, 8}};
+    for (const auto& [first, second, sequence, itemOffset] : cases) {
+        const Bytes before = ElementBuilder().Raw(first).Raw(second).GetBytes();
+        Bytes bytes = before;
+        TDicomDataSet dataSet = Over(bytes);
+        EXPECT_FALSE(dataSet.DeleteItem(sequence, itemOffset, 0));
+        EXPECT_EQ(BytesOf(dataSet), before);
+    }
+}
+
 TEST(Sequence, DamagedItemsEndTheWalk) {
     const struct {
         ElementBuilder fContent;

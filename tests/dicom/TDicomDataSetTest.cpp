@@ -245,6 +245,14 @@ TEST(DataSetPrivate, ACreatorMatchesByItsStoredLength) {
     }
 }
 
+// Of numbers only whole ones are read; the bytes behind them are no part of the text.
+TEST(DataSetPrivate, ACreatorThatIsStoredAsNumbersMatchesByItsWholeOnes) {
+    Bytes bytes = ElementBuilder(Uids::kExplicitVRBigEndian)
+                      .Value({0x21, 0x10}, Vr::kUL, {'N', 'A', 'U', 'Q', 'T', 'I'})
+                      .GetBytes();
+    EXPECT_TRUE(Over(bytes, true, true).FindPrivateCreator(0x21, "QUAN", nullptr));
+}
+
 TEST(DataSetPrivate, AFullGroupGivesTheCreatorTheNumberBehindTheLast) {
     const auto dataSet = NewDataSet();
     for (uint16_t creator = 0x10; creator <= 0xFF; ++creator)
@@ -292,6 +300,25 @@ TEST(DataSetConvert, DropsWhatAShortLengthCannotHold) {
 }
 
 // An implicit value that merely starts like an item is no sequence: its bytes must come through.
+// Damaged media hold elements in any order. They are put right, the last of a tag that can be kept counts,
+// and that takes no longer the more there are.
+TEST(DataSetConvert, ElementsOutOfOrderArePutInOrder) {
+    ElementBuilder builder(Uids::kImplicitVRLittleEndian);
+    for (uint32_t count = 400000; count > 0; --count) {
+        builder.Header(
+            {static_cast<uint16_t>(0x20 + count / 0xFFFF), static_cast<uint16_t>(1 + count % 0xFFFF)},
+            Vr::kUN, 0);
+    }
+    builder.Text(Tags::kModality, Vr::kCS, "US").Text(Tags::kModality, Vr::kCS, "MR");
+    builder.Value(Tags::kModality, Vr::kCS, Bytes(0x10000));
+    Bytes bytes = builder.GetBytes();
+    TDicomDataSet dataSet = Over(bytes, false);
+    dataSet.SetDictionary("(0008,0060)\tVR=\"CS\"", 19);
+    const auto converted = dataSet.ConvertTo(true, false, 64, 0x100000, 0, 0);
+    EXPECT_EQ(TextOf(*converted, Tags::kModality), "MR");
+    EXPECT_EQ(converted->CountElements(), 400000 + 1 + 8) << "with eight group lengths";
+}
+
 TEST(DataSetConvert, OnlyValuesThatAreNothingButItemsBecomeSequences) {
     const char* const implicit = Uids::kImplicitVRLittleEndian;
     const Bytes item = ElementBuilder(implicit).Text(Tags::kModality, Vr::kCS, "US").GetBytes();

@@ -248,6 +248,7 @@ TEST_F(TDicomFileTest, WritingWithoutContentOrRoomFails) {
 // Time that passes only while somebody waits for a file, which its holder lets go after some attempts.
 struct WaitingClock : Platform::Clock {
     std::chrono::steady_clock::time_point Now() override { return fNow; }
+    std::optional<Platform::LocalTime> GetLocalTime() override { return std::nullopt; }
 
     void Sleep(std::chrono::milliseconds duration) override {
         EXPECT_EQ(duration.count(), 0) << "retries follow at once";

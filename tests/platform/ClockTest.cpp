@@ -2,12 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <ctime>
+
 namespace Vantor::Platform {
 
 TEST(Clock, IsTheSystemsUnlessReplaced) {
     class StoppedClock : public Clock {
       public:
         std::chrono::steady_clock::time_point Now() override { return {}; }
+        std::optional<LocalTime> GetLocalTime() override { return std::nullopt; }
         void Sleep(std::chrono::milliseconds) override {}
     };
     constexpr std::chrono::milliseconds kRest(5);
@@ -24,6 +27,23 @@ TEST(Clock, IsTheSystemsUnlessReplaced) {
     }
     Clock::Current().Sleep(kRest);
     EXPECT_GE(Clock::Current().Now() - before, kRest);
+}
+
+// The system's own, held against the C library's.
+TEST(Clock, TellsTheLocalTime) {
+    const std::time_t before = std::time(nullptr);
+    const auto now = Clock::Current().GetLocalTime();
+    ASSERT_TRUE(now);
+    std::tm local = {};
+    local.tm_year = now->fYear - 1900;
+    local.tm_mon = now->fMonth - 1;
+    local.tm_mday = now->fDay;
+    local.tm_hour = now->fHour;
+    local.tm_min = now->fMinute;
+    local.tm_sec = now->fSecond;
+    local.tm_isdst = -1;
+    EXPECT_NEAR(std::difftime(std::mktime(&local), before), 0, 2);
+    EXPECT_TRUE(now->fMillisecond >= 0 && now->fMillisecond < 1000);
 }
 
 }  // namespace Vantor::Platform
