@@ -48,6 +48,19 @@ TEST(LastWriteTime, CountsIn100NanosecondsSince1601) {
     EXPECT_EQ(GetLastWriteTime(path), (FileTime{static_cast<uint32_t>(kStartOf2001), kStartOf2001 >> 32}));
 }
 
+TEST(FileSystem, MakesFoldersInExistingOnesOnly) {
+    const TestFolder folder;
+    const std::string path = folder.PathOf("IMAGESDC");
+    CreateFolder(path);
+    EXPECT_TRUE(IsFolder(path));
+    EXPECT_NE(FailureOf([&] { CreateFolder(path); }), "nothing");
+    EXPECT_NE(FailureOf([&] { CreateFolder(folder.PathOf("imagesdc")); }), "nothing") << "in another case";
+    EXPECT_EQ(FailureOf([&] { CreateFolder(folder.PathOf("MISSING/SUB")); }),
+              folder.PathOf("MISSING/SUB") + kBadPath);
+    EXPECT_EQ(GetFreeSpace(folder.GetPath()) / (1 << 20), fs::space(folder.GetPath()).available / (1 << 20));
+    EXPECT_EQ(GetFreeSpace(folder.PathOf("MISSING/SUB")), 0U);
+}
+
 TEST(FileSystem, TellsFilesFoldersAndNothing) {
     const TestFolder folder;
     const std::string file = folder.WriteFile("FILE", "x");

@@ -1,0 +1,49 @@
+#include "directory/MediaPaths.h"
+
+#include <algorithm>
+
+namespace Vantor {
+
+namespace {
+
+constexpr std::string_view kDirectoryFileName = "DICOMDIR";
+constexpr std::string_view kPadding(" \0", 2);
+
+std::string UpperCased(std::string_view text) {
+    std::string upper(text);
+    std::transform(upper.begin(), upper.end(), upper.begin(),
+                   [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
+    return upper;
+}
+
+}  // namespace
+
+MediaPaths::MediaPaths(const Platform::PathStyle& style, std::string_view directoryPath, bool isFolder)
+    : fStyle(style), fFolder(directoryPath) {
+    // Looked for in the last name only: the folders above may be called after it too.
+    const size_t nameStart = style.FolderPart(directoryPath).size();
+    const size_t position = UpperCased(directoryPath).find(kDirectoryFileName, nameStart);
+    fHasDICOMDIR = position != std::string::npos && !isFolder;
+    if (fHasDICOMDIR) fFolder.resize(position);
+    if (!fFolder.empty() && !style.IsSeparator(fFolder.back())) fFolder += style.GetSeparator();
+}
+
+std::string MediaPaths::MakeFullPath(std::string_view fileID) const {
+    const size_t end = fileID.find_last_not_of(kPadding);
+    fileID = fileID.substr(0, end == std::string_view::npos ? 0 : end + 1);
+    return fStyle.IsFullPath(fileID) ? std::string(fileID) : fFolder + fStyle.FromFileID(fileID);
+}
+
+std::string MediaPaths::MakeFileID(std::string_view path) const {
+    if (UpperCased(path.substr(0, fFolder.size())) != UpperCased(fFolder)) return {};
+    return fStyle.ToFileID(path.substr(fFolder.size()));
+}
+
+std::string MediaPaths::MakeImageFolderPath(std::string_view imageFolderName) const {
+    if (!fHasDICOMDIR || fFolder.size() <= 1) return {};
+    std::string_view folder = fFolder;
+    folder.remove_suffix(1);  // the name brings a separator
+    return std::string(folder) + fStyle.FromFileID(fStyle.NameToMake(imageFolderName));
+}
+
+}  // namespace Vantor

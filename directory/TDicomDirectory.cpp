@@ -1,0 +1,403 @@
+#include "directory/TDicomDirectory.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "dicom/TException.h"
+#include "dicom/TTextUtil.h"
+#include "directory/RecordLoader.h"
+#include "platform/FileException.h"
+#include "platform/FileSystem.h"
+#include "platform/PathStyle.h"
+
+namespace Vantor {
+
+namespace {
+
+// Kept beside the file for whoever asks for them.
+constexpr uintptr_t kFirstSize = 25600;
+constexpr uintptr_t kSecondSize = 31457280;
+
+constexpr char kStandardImageFolder[] = "\\imagesdc";
+constexpr char kExamImageFolder[] = "\\Exams";
+
+constexpr double kBytesPerKilobyte = 1024.0;
+constexpr uint32_t kLongestSeriesNumber = 64;
+constexpr uint32_t kLongestExamFolder = 256;
+
+// The last name of a folder's path; none where it is not the plain name of a folder.
+std::optional<std::string> LastFolderName(std::string path) {
+    path.erase(path.find_last_not_of(' ') + 1);
+    const std::string name = path.substr(path.find_last_of("\\/") + 1);
+    const bool isPlain = !name.empty() && name != "." && name != ".." && name.find(':') == std::string::npos;
+    if (!isPlain || name.size() >= TDicomDoc::kFolderNameSize) return std::nullopt;
+    return name;
+}
+
+void DestroyUnlessHeld(TDicomDoc* doc) {
+    if (doc->IsInUse()) {
+        doc->Settle();
+    } else {
+        delete doc;
+    }
+}
+
+// An item of a list with the number it is sorted by.
+template <typename T>
+struct Numbered {
+    int32_t fNumber;
+    T* fDoc;
+};
+
+template <typename Iterator>
+void SortByNumber(Iterator first, Iterator last) {
+    std::stable_sort(first, last, [](const auto& a, const auto& b) { return a.fNumber < b.fNumber; });
+}
+
+template <typename T>
+void PutBack(TListOf<T>& list, const std::vector<Numbered<T>>& docs) {
+    list.RemoveAllItems();
+    for (const Numbered<T>& doc : docs) list.InsertItemAt(TListOf<T>::kAtEnd, doc.fDoc);
+}
+
+}  // namespace
+
+TDicomDirectory::TDicomDirectory(const TFileSpec& fileSpec, uint32_t imageDocFlag)
+    : TDicomFile(0, fileSpec, 0, kFirstSize, kSecondSize), fImageDocFlag(imageDocFlag) {
+    OpenFile(Platform::FileAccess::kRead);
+    ReadFile();
+    CloseFile();
+    UpdateModTime();
+    if (fDataSet != nullptr) fDataSet->GetText(Tags::kFileSetID, fDirectoryName, kDirectoryNameSize);
+    SetImageFolderName(kStandardImageFolder);
+    RefreshDocs();
+}
+
+TDicomDirectory::TDicomDirectory(const TFileSpec& fileSpec, const char* directoryName, int32_t directoryType,
+                                 const char* sopClassUID, const char* sopInstanceUID,
+                                 const char* transferSyntaxUID, const char* implementationClassUID,
+                                 bool isBigEndian)
+    : TDicomFile(0, fileSpec, 0, nullptr, sopClassUID, sopInstanceUID, transferSyntaxUID,
+                 implementationClassUID, isBigEndian),
+      fDirectoryType(directoryType) {
+    SetDirName(directoryName);
+    if (directoryType == kExamLayout) SetImageFolderName(kExamImageFolder);
+    if (directoryType == kStandardLayout) SetImageFolderName(kStandardImageFolder);
+}
+
+TDicomDirectory::~TDicomDirectory() {
+    ClearLists();
+    Drop(fRetiredDocs);
+}
+
+bool TDicomDirectory::ReloadIfChanged() {
+    if (IsCurrent()) return true;
+    try {
+        OpenFile(Platform::FileAccess::kRead);
+        ReadFile();
+        CloseFile();
+        UpdateModTime();
+        RefreshDocs();
+        return true;
+    } catch (TException* thrown) {
+        const std::unique_ptr<TException> error(thrown);
+    } catch (const std::exception&) {
+        // The file's own failures, and a lack of memory.
+    }
+    CloseFile();
+    return false;
+}
+
+// ---- Making the documents ----
+
+void TDicomDirectory::RefreshDocs() {
+    ClearLists();
+    fPaths.reset();
+    if (fDataSet == nullptr || fMetaDataSet == nullptr) return;
+    RecordLoader loader(*fDataSet, GetHeaderSize(), *this);
+    loader.Load();
+    for (auto& stray : loader.TakeStrayDocs()) KeepDoc(stray.release());
+    FillLists(loader.TakeRootDocs());
+    DetectExamLayout();
+}
+
+void TDicomDirectory::FillLists(std::vector<std::unique_ptr<TDicomDoc>> rootDocs) {
+    for (auto& rootDoc : rootDocs) {
+        TDicomDoc* const doc = rootDoc.release();
+        doc->Register();
+        if (doc->GetDocType() == TDicomDoc::kPatient) {
+            fPatientDocs.InsertItemAt(fPatientDocs.kAtEnd, static_cast<TPatientDoc*>(doc));
+        } else {
+            fOtherRootDocs.push_back(doc);
+        }
+    }
+    const auto append = []<typename T>(TListOf<T>& list, const TListOf<T>& children) {
+        list.AppendList(&children);
+        for (T* child : children) child->Register();
+    };
+    for (TPatientDoc* patient : fPatientDocs) append(fStudyDocs, *patient->GetStudyDocs());
+    for (TStudyDoc* study : fStudyDocs) append(fSeriesDocs, *study->GetSeriesDocs());
+    for (TSeriesDoc* series : fSeriesDocs) {
+        append(fImageDocs, *series->GetImageDocs());
+        append(fRawDataDocs, *series->GetRawDataDocs());
+        append(fSRDocs, *series->GetSR_Docs());
+    }
+}
+
+void TDicomDirectory::DetectExamLayout() {
+    if (fStudyDocs.GetCount() == 0) return;
+    const TListOf<TStudyDoc>& studies = *(*fPatientDocs.begin())->GetStudyDocs();
+    if (studies.GetCount() == 0 || !(*studies.begin())->GetDataSet()->FindElement(Tags::kExamCreator)) return;
+    fDirectoryType = kExamLayout;
+    SetImageFolderName(kExamImageFolder);
+    for (TStudyDoc* study : fStudyDocs) RestoreExamFolderName(*study);
+}
+
+void TDicomDirectory::RestoreExamFolderName(TStudyDoc& study) {
+    char path[kLongestExamFolder + 1];
+    if (!study.GetDataSet()->GetText(Tags::kExamFolder, path, sizeof(path))) return;
+    if (const auto name = LastFolderName(path)) {
+        study.SetFolderName(name->c_str(), static_cast<uint32_t>(name->size()));
+    }
+}
+
+// ---- Clearing ----
+
+template <typename T>
+void TDicomDirectory::ClearList(TListOf<T>& list, HeldDocs& withoutParent) {
+    for (auto doc = list.rbegin(); doc != list.rend(); ++doc) {
+        (*doc)->Release();
+        if ((*doc)->GetParentObj() == nullptr) withoutParent.push_back(*doc);
+    }
+    list.RemoveAllItems();
+}
+
+// What is below a patient goes with it; documents that are below none have to be looked after one by one.
+void TDicomDirectory::ClearLists() {
+    HeldDocs withoutParent;
+    ClearList(fStudyDocs, withoutParent);
+    ClearList(fSeriesDocs, withoutParent);
+    ClearList(fImageDocs, withoutParent);
+    // Raw data keep the list's count, and so live on until the directory goes: hosts hold on to raw data
+    // across a refresh without counting them.
+    fRetiredDocs.insert(fRetiredDocs.end(), fRawDataDocs.begin(), fRawDataDocs.end());
+    fRawDataDocs.RemoveAllItems();
+    ClearList(fSRDocs, withoutParent);
+    HeldDocs patients(fPatientDocs.rbegin(), fPatientDocs.rend());
+    fPatientDocs.RemoveAllItems();
+    Drop(patients);
+    for (TDicomDoc* doc : withoutParent) DestroyUnlessHeld(doc);
+    Drop(fOtherRootDocs);
+    Drop(fPlacelessDocs);
+}
+
+// Gives the counts back and destroys what nobody else holds.
+void TDicomDirectory::Drop(HeldDocs& docs) {
+    for (TDicomDoc* doc : std::exchange(docs, {})) {
+        doc->Release();
+        DestroyUnlessHeld(doc);
+    }
+}
+
+void TDicomDirectory::ClearAllDocs() {
+    while (fPatientDocs.GetCount() > 0) {
+        TPatientDoc* const patient = *fPatientDocs.rbegin();
+        RemoveDoc(patient);
+        DestroyUnlessHeld(patient);
+    }
+}
+
+void TDicomDirectory::RemoveAllDocs() {
+    while (fPatientDocs.GetCount() > 0) {
+        TPatientDoc* const patient = *fPatientDocs.rbegin();
+        KeepDoc(patient);
+        RemoveDoc(patient);
+    }
+}
+
+// ---- Lists ----
+
+template <typename Action>
+void TDicomDirectory::WithListOf(int32_t docType, Action action) {
+    switch (docType) {
+        case TDicomDoc::kPatient:
+            return action(fPatientDocs);
+        case TDicomDoc::kStudy:
+            return action(fStudyDocs);
+        case TDicomDoc::kSeries:
+            return action(fSeriesDocs);
+        case TDicomDoc::kImage:
+            return action(fImageDocs);
+        case TDicomDoc::kRawData:
+            return action(fRawDataDocs);
+        case TDicomDoc::kSR:
+            return action(fSRDocs);
+        default:
+            return;
+    }
+}
+
+void TDicomDirectory::RegisterDoc(TDicomDoc* doc) {
+    WithListOf(doc->GetDocType(), [doc]<typename T>(TListOf<T>& list) {
+        if (list.HasItem(static_cast<T*>(doc))) return;
+        list.InsertItemAt(list.kAtEnd, static_cast<T*>(doc));
+        doc->Register();
+    });
+}
+
+void TDicomDirectory::RemoveDoc(TDicomDoc* doc) {
+    WithListOf(doc->GetDocType(), [doc]<typename T>(TListOf<T>& list) {
+        if (!list.HasItem(static_cast<T*>(doc))) return;
+        list.RemoveItem(static_cast<T*>(doc));
+        doc->Release();
+    });
+}
+
+void TDicomDirectory::KeepDoc(TDicomDoc* doc) {
+    doc->Register();
+    fPlacelessDocs.push_back(doc);
+}
+
+TDicomDoc* TDicomDirectory::FindDoc(TDicomDoc* doc) {
+    if (doc == nullptr) return nullptr;
+    const bool hasList = doc->GetDocType() != TDicomDoc::kPrivate;
+    TDicomDoc* found = nullptr;
+    WithListOf(hasList ? doc->GetDocType() : TDicomDoc::kPatient, [doc, &found](const auto& list) {
+        const auto match = std::find_if(list.begin(), list.end(),
+                                        [doc](TDicomDoc* member) { return member->IsSameRecord(doc); });
+        if (match != list.end()) found = *match;
+    });
+    return found;
+}
+
+TDicomDoc* TDicomDirectory::FindOrCreateDoc(TDicomDoc* doc, int32_t& error) {
+    error = 0;
+    if (TDicomDoc* const found = FindDoc(doc); doc == nullptr || found != nullptr) return found;
+    TDicomDoc* const parent =
+        doc->GetParentObj() == nullptr ? nullptr : FindOrCreateDoc(doc->GetParentObj(), error);
+    TDicomDoc* const created = doc->CopyToDirectory(this, parent, false, error);
+    if (created == nullptr) return nullptr;
+    RegisterDoc(created);
+    if (parent != nullptr && !parent->AddChild(created, nullptr, true, error)) created->LeaveParent();
+    const bool isPlaceless =
+        created->GetDocType() == TDicomDoc::kPrivate && created->GetParentObj() == nullptr;
+    if (isPlaceless) KeepDoc(created);
+    return created;
+}
+
+void TDicomDirectory::SortSeriesByNumber(TStudyDoc* study) {
+    if (study == nullptr) return;
+    TListOf<TSeriesDoc>& list = *study->GetSeriesDocs();
+    std::vector<Numbered<TSeriesDoc>> docs;
+    size_t sortFrom = 0;
+    for (TSeriesDoc* series : list) {
+        char text[kLongestSeriesNumber + 1];
+        const bool hasNumber = series->GetSeriesNumber(text, sizeof(text));
+        docs.push_back({hasNumber ? TTextUtil().ReadInteger(text).value_or(0) : 0, series});
+        if (hasNumber) continue;
+        // Not compared with anything, it stands between those in front and those behind.
+        SortByNumber(docs.begin() + static_cast<std::ptrdiff_t>(sortFrom), docs.end() - 1);
+        sortFrom = docs.size();
+    }
+    SortByNumber(docs.begin() + static_cast<std::ptrdiff_t>(sortFrom), docs.end());
+    PutBack(list, docs);
+}
+
+void TDicomDirectory::SortImagesByNumber(TSeriesDoc* series) {
+    if (series == nullptr) return;
+    TListOf<TImageDoc>& list = *series->GetImageDocs();
+    std::vector<Numbered<TImageDoc>> docs;
+    for (TImageDoc* image : list) docs.push_back({image->GetImageNumber(), image});
+    SortByNumber(docs.begin(), docs.end());
+    PutBack(list, docs);
+}
+
+// ---- Files and folders ----
+
+const MediaPaths& TDicomDirectory::GetPaths() {
+    if (!fPaths || fPathsOf != fFileSpec.fPath) {
+        fPathsOf = fFileSpec.fPath;
+        fPaths.emplace(Platform::PathStyle::OfPlatform(), fPathsOf, Platform::IsFolder(fPathsOf));
+    }
+    return *fPaths;
+}
+
+void TDicomDirectory::MakeFileSpec(std::string_view fileID, TFileSpec& fileSpec) {
+    const std::string path = GetPaths().MakeFullPath(fileID);
+    // A path that is cut would name another file.
+    fileSpec = TFileSpec(TFileSpec::FitsPath(path) ? path : std::string(), fFileSpec.fStorage);
+    fileSpec.fWord = fFileSpec.fWord;
+}
+
+void TDicomDirectory::MakeRelativeFileID(char* buffer, uint32_t& length, const TFileSpec& fileSpec) {
+    length =
+        TTextUtil().CopyCString(GetPaths().MakeFileID(fileSpec.fPath).c_str(), buffer, TFileSpec::kPathSize);
+}
+
+void TDicomDirectory::SetImageFolderName(const char* name) {
+    TTextUtil().CopyCString(name, fImageFolderName, kImageFolderNameSize);
+    const std::string path = GetPaths().MakeImageFolderPath(fImageFolderName);
+    if (path.empty() || Platform::IsFolder(path)) return;
+    try {
+        Platform::CreateFolder(path);
+    } catch (const Platform::FileException&) {
+        // A medium that is only read does without.
+    }
+}
+
+double TDicomDirectory::GetAvailableSpace() {
+    const std::string root = Platform::PathStyle::OfPlatform().VolumeRoot(fFileSpec.fPath);
+    return static_cast<double>(Platform::GetFreeSpace(root)) / kBytesPerKilobyte;
+}
+
+bool TDicomDirectory::RegisterDicomFile(std::unique_ptr<TDicomFile> file) {
+    if (file == nullptr) return false;
+    fRegisteredFiles.push_back(std::move(file));
+    return true;
+}
+
+std::unique_ptr<TDicomFile> TDicomDirectory::TakeRegisteredFile(const char* sopClassUID,
+                                                                const char* sopInstanceUID) {
+    const auto isWanted = [&](const std::unique_ptr<TDicomFile>& file) {
+        char classUID[kMaximumUidLength + 1] = {};
+        char instanceUID[kMaximumUidLength + 1] = {};
+        file->GetSOPClassUID(classUID);
+        file->GetSOPInstanceUID(instanceUID);
+        return TTextUtil().EqualStrings(instanceUID, sopInstanceUID) &&
+               TTextUtil().EqualStrings(classUID, sopClassUID);
+    };
+    const auto found = std::find_if(fRegisteredFiles.begin(), fRegisteredFiles.end(), isWanted);
+    if (found == fRegisteredFiles.end()) return nullptr;
+    std::unique_ptr<TDicomFile> file = std::move(*found);
+    fRegisteredFiles.erase(found);
+    return file;
+}
+
+// ---- Properties ----
+
+void TDicomDirectory::GetExtraText(char* buffer) { buffer[0] = '\0'; }
+
+int32_t TDicomDirectory::GetExtraInfo(char* buffer) {
+    buffer[0] = '\0';
+    return fDirectoryType;
+}
+
+void TDicomDirectory::GetDirName(char* buffer, uint32_t size) const {
+    TTextUtil().CopyCString(fDirectoryName, buffer, size);
+}
+
+void TDicomDirectory::SetDirName(const char* text) {
+    TTextUtil().CopyCString(text, fDirectoryName, kDirectoryNameSize);
+    if (fDataSet == nullptr) return;
+    const uint32_t length = TTextUtil().StringLength(text);
+    fDataSet->PutElement(Tags::kFileSetID, Vr::kCS, length, text, length);
+}
+
+void TDicomDirectory::GetVolumeName(char* buffer) const { std::memcpy(buffer, fVolumeName, kVolumeNameSize); }
+
+void TDicomDirectory::SetVolumeName(const char* text) {
+    TTextUtil().CopyCString(text, fVolumeName, kVolumeNameSize);
+}
+
+}  // namespace Vantor

@@ -1,0 +1,95 @@
+#include "records/ReferencedFile.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "dicom/TTextUtil.h"
+
+namespace Vantor::ReferencedFile {
+
+namespace {
+
+constexpr uint32_t kLongestFileID = 256;
+
+void PutFileID(TDicomDataSet& record, const char* fileID, uint32_t length) {
+    record.PutElement(Tags::kReferencedFileID, Vr::kCS, length, fileID, length);
+}
+
+std::unique_ptr<TDicomFile> TakeFileOf(TDicomFile& file, TRecordDirectory& directory) {
+    char sopClassUID[kMaximumUidLength + 1] = {};
+    char sopInstanceUID[kMaximumUidLength + 1] = {};
+    file.GetSOPClassUID(sopClassUID);
+    file.GetSOPInstanceUID(sopInstanceUID);
+    return directory.TakeRegisteredFile(sopClassUID, sopInstanceUID);
+}
+
+}  // namespace
+
+std::optional<TFileSpec> Find(const TDicomDataSet* record, TRecordDirectory* directory) {
+    std::array<char, kLongestFileID> fileID{};
+    uint32_t length = 0;
+    if (record == nullptr || directory == nullptr ||
+        !record->FindElement(Tags::kReferencedFileID, nullptr, &length, fileID.data(), kLongestFileID)) {
+        return std::nullopt;
+    }
+    TFileSpec fileSpec;
+    directory->MakeFileSpec(std::string_view(fileID.data(), std::min(length, kLongestFileID)), fileSpec);
+    return fileSpec;
+}
+
+// An absent UID leaves the buffer alone: who collects UIDs in a loop relies on it.
+bool GetUid(const TDicomDataSet* record, Tag tag, char* buffer) {
+    if (record == nullptr || !record->FindElement(tag)) return false;
+    return record->GetText(tag, buffer, kMaximumUidLength + 1);
+}
+
+void SetUid(TDicomDataSet* record, Tag tag, const char* text) {
+    if (record == nullptr) return;
+    const uint32_t length = std::min<uint32_t>(TTextUtil().StringLength(text), kMaximumUidLength);
+    record->PutElement(tag, Vr::kUI, length, text, length);
+}
+
+void HandUids(const TDicomDataSet* record, TIODSource& receiver) {
+    char uid[kMaximumUidLength + 1] = {};
+    if (GetUid(record, Tags::kReferencedSOPClassUIDInFile, uid)) receiver.SetSOPClassUID(uid);
+    if (GetUid(record, Tags::kReferencedSOPInstanceUIDInFile, uid)) receiver.SetSOPInstanceUID(uid);
+}
+
+std::unique_ptr<TDicomFile> MakePlainFile(const TDicomDataSet* record, TRecordDirectory* directory) {
+    const auto fileSpec = Find(record, directory);
+    if (!fileSpec) return nullptr;
+    auto file = std::make_unique<TDicomFile>(reinterpret_cast<uintptr_t>(directory), *fileSpec, 0);
+    HandUids(record, *file);
+    return file;
+}
+
+bool CountsAsSame(TDicomDoc& doc, TDicomDoc* other) {
+    if (other == &doc || other == nullptr || other->GetDocType() != doc.GetDocType()) return true;
+    TUidText mine[2];
+    TUidText others[2];
+    return doc.GetSOPInstanceUID(mine[0].fText) && doc.GetSOPClassUID(mine[1].fText) &&
+           other->GetSOPInstanceUID(others[0].fText) && other->GetSOPClassUID(others[1].fText) &&
+           TTextUtil().EqualStrings(mine[0].fText, others[0].fText) &&
+           TTextUtil().EqualStrings(mine[1].fText, others[1].fText);
+}
+
+std::unique_ptr<TDicomDataSet> CopyRecordTo(TDicomDoc& doc, TRecordDirectory* directory,
+                                            const char* fallback) {
+    const TDicomDataSet* const record = doc.GetDataSet();
+    if (record == nullptr) return nullptr;
+    std::unique_ptr<TDicomDataSet> copy = TDicomDoc::CopyRecord(*record);
+    TDicomFile* const file = doc.GetDicomFile();
+    if (file == nullptr || directory == nullptr) return copy;
+    if (const std::unique_ptr<TDicomFile> registered = TakeFileOf(*file, *directory)) {
+        char fileID[TFileSpec::kPathSize] = {};
+        uint32_t length = 0;
+        directory->MakeRelativeFileID(fileID, length, *registered->GetFileSpec());
+        PutFileID(*copy, fileID, length);
+    } else if (fallback != nullptr) {
+        PutFileID(*copy, fallback, TTextUtil().StringLength(fallback));
+    }
+    return copy;
+}
+
+}  // namespace Vantor::ReferencedFile

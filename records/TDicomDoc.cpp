@@ -1,0 +1,248 @@
+#include "records/TDicomDoc.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <utility>
+
+#include "dicom/TException.h"
+#include "dicom/TTextUtil.h"
+
+namespace Vantor {
+
+namespace {
+
+// Room that the data set of a record is given: what it has, and to grow by quarters to ten times as much; a
+// new one fixed sizes.
+constexpr uint32_t kGrowDivisor = 4;
+constexpr int64_t kRoomFactor = 10;
+constexpr uint32_t kNewRecordSize = 10240;
+constexpr int32_t kNewRecordRoom = 1024000;
+
+constexpr uint32_t kNoOffset = 0;
+constexpr uint16_t kInUse = 0xFFFF;
+
+}  // namespace
+
+TDicomDoc::TDicomDoc(int32_t docType) : fDocType(docType) {}
+
+TDicomDoc::TDicomDoc(int32_t docType, const TDicomDataSet* record, TRecordDirectory* directory)
+    : fDocType(docType) {
+    SetDirectory(directory);
+    if (record != nullptr) {
+        fDataSet = CopyRecord(*record);
+        return;
+    }
+    fDataSet =
+        std::make_unique<TDicomDataSet>(true, false, kNewRecordSize, kNewRecordSize, kNewRecordRoom, 0);
+    TDicomDoc::CompleteRecord();
+}
+
+TDicomDoc::TDicomDoc(int32_t docType, TStoredRecord record, TRecordDirectory* directory)
+    : fStored(std::move(record)), fDocType(docType) {
+    SetDirectory(directory);
+}
+
+TDicomDoc::~TDicomDoc() = default;
+
+TDicomDataSet* TDicomDoc::Record() const {
+    // Nobody can tell a document that has been woken from one that has not.
+    if (!fStored.IsEmpty()) const_cast<TDicomDoc*>(this)->Wake();
+    return fDataSet.get();
+}
+
+void TDicomDoc::Wake() {
+    fDataSet = CopyRecord(fStored.Open());
+    fStored.Clear();
+    MakeFile();
+}
+
+void TDicomDoc::Settle() {
+    fParent = nullptr;
+    fCompanion = nullptr;  // it goes with the tree
+    try {
+        TListOf<TDicomDoc> docs;
+        docs.InsertItemAt(docs.kAtEnd, this);
+        GetChildDocs(docs, false);
+        for (const TDicomDoc* doc : docs) doc->Record();
+    } catch (TException* thrown) {
+        // Without memory it has what it has had.
+        const std::unique_ptr<TException> error(thrown);
+    } catch (const std::bad_alloc&) {
+    }
+}
+
+void TDicomDoc::SetSOPClassUID(const char* text) {
+    Record();
+    TIODSource::SetSOPClassUID(text);
+}
+
+void TDicomDoc::SetSOPInstanceUID(const char* text) {
+    Record();
+    TIODSource::SetSOPInstanceUID(text);
+}
+
+// ---- Place and belongings ----
+
+void TDicomDoc::SetDicomFile(std::unique_ptr<TDicomFile> file) {
+    Record();  // which would put the file of the record in its place later
+    fDicomFile = std::move(file);
+}
+
+TDicomFile* TDicomDoc::GetDicomFile() {
+    Record();
+    return fDicomFile.get();
+}
+
+void TDicomDoc::SetParentObj(TDicomDoc* parent) {
+    fParent = parent;
+    if (parent != nullptr) parent->Register();
+}
+
+void TDicomDoc::LeaveParent() {
+    TDicomDoc* const parent = fParent;
+    if (parent == nullptr) return;
+    parent->RemoveChild(this);
+    if (fParent == nullptr) return;
+    // Not among the parent's children: only the count has to go.
+    fParent = nullptr;
+    parent->Release();
+}
+
+void TDicomDoc::SetDirectory(TRecordDirectory* directory) {
+    fDirectory = directory == nullptr ? nullptr : directory->GetLink();
+}
+
+void TDicomDoc::GetFolderName(char* buffer) const {
+    std::memcpy(buffer, fFolderName.data(), fFolderName.size());
+}
+
+bool TDicomDoc::SetFolderName(const char* text, uint32_t length) {
+    fFolderName.fill('\0');
+    std::memcpy(fFolderName.data(), text, std::min(length, kFolderNameSize - 1));
+    return fFolderName.front() != '\0';
+}
+
+bool TDicomDoc::IsInUse() {
+    try {
+        TListOf<TDicomDoc> children;
+        GetChildDocs(children, true);
+        return GetRefCount() != static_cast<uint32_t>(children.GetCount());
+    } catch (const std::bad_alloc&) {
+        return true;  // never destroyed in doubt
+    }
+}
+
+void TDicomDoc::Discard() {
+    LeaveParent();
+    if (TRecordDirectory* const directory = GetDirectory(); directory != nullptr) {
+        TListOf<TDicomDoc> below;
+        GetChildDocs(below, false);
+        for (TDicomDoc* doc : below) directory->RemoveDoc(doc);
+        directory->RemoveDoc(this);
+    }
+    if (!IsInUse()) delete this;
+}
+
+TDicomDoc* TDicomDoc::CopyToDirectory(TRecordDirectory* directory, TDicomDoc* parent, bool deep,
+                                      int32_t& error) {
+    error = 0;
+    if (directory == GetDirectory()) return this;
+    return PlaceCopy(Record(), directory, parent, deep, error);
+}
+
+TDicomDoc* TDicomDoc::PlaceCopy(const TDicomDataSet* record, TRecordDirectory* directory, TDicomDoc* parent,
+                                bool deep, int32_t& error) {
+    TDicomDoc* const copy = MakeCopy(record, directory).release();
+    copy->SetParentObj(parent);
+    if (directory != nullptr) directory->RegisterDoc(copy);
+    if (!deep) return copy;
+    TListOf<TDicomDoc> children;
+    GetChildDocs(children, true);
+    for (TDicomDoc* child : children) {
+        if (error != 0) break;
+        copy->AddChild(child, nullptr, true, error);
+    }
+    return copy;
+}
+
+// ---- Files ----
+
+void TDicomDoc::CollectFiles(TListOf<TDicomFile>& files) {
+    if (GetDicomFile() != nullptr) files.InsertItemAt(TListOf<TDicomFile>::kAtEnd, GetDicomFile());
+    TListOf<TDicomDoc> children;
+    GetChildDocs(children, true);
+    for (TDicomDoc* child : children) child->CollectFiles(files);
+}
+
+void TDicomDoc::DeleteFilesFromDisk() {
+    TListOf<TDicomFile> files;
+    try {
+        CollectFiles(files);
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+    for (auto file = files.rbegin(); file != files.rend(); ++file) (*file)->DeleteDiskFile();
+}
+
+int32_t TDicomDoc::GetDiskSpace() {
+    int64_t total = GetDicomFile() == nullptr ? 0 : GetDicomFile()->GetFileSizeKB();
+    TListOf<TDicomDoc> children;
+    GetChildDocs(children, true);
+    for (TDicomDoc* child : children) total += child->GetDiskSpace();
+    return static_cast<int32_t>(std::min<int64_t>(total, std::numeric_limits<int32_t>::max()));
+}
+
+// ---- The record ----
+
+std::unique_ptr<TDicomDataSet> TDicomDoc::CopyRecord(const TDicomDataSet& record) {
+    const auto size = static_cast<uint32_t>(record.GetDataSetSize());
+    if (size == 0) {  // which is no measure for what it needs
+        return std::make_unique<TDicomDataSet>(record.IsExplicit(), record.IsBigEndian(), kNewRecordSize,
+                                               kNewRecordSize, kNewRecordRoom, 0);
+    }
+    const int64_t room = std::min<int64_t>(size * kRoomFactor, TDicomDataSet::kDefaultMaximumSize);
+    return record.ConvertTo(record.IsExplicit(), record.IsBigEndian(), size, size / kGrowDivisor,
+                            static_cast<int32_t>(room), 0);
+}
+
+void TDicomDoc::CompleteRecord() {
+    if (Record() == nullptr) return;
+    AddIfAbsent(Tags::kNextRecordOffset, Vr::kUL, &kNoOffset, sizeof(kNoOffset));
+    AddIfAbsent(Tags::kRecordInUseFlag, Vr::kUS, &kInUse, sizeof(kInUse));
+    AddIfAbsent(Tags::kLowerLevelOffset, Vr::kUL, &kNoOffset, sizeof(kNoOffset));
+}
+
+void TDicomDoc::AddIfAbsent(Tag tag, VrCode vr, const void* value, uint32_t length) {
+    if (!HasElement(tag)) Record()->PutElement(tag, vr, length, value, length);
+}
+
+bool TDicomDoc::GetText(Tag tag, char* buffer, uint32_t size) const {
+    if (Record() != nullptr) return Record()->GetText(tag, buffer, size);
+    if (size > 0) buffer[0] = '\0';
+    return false;
+}
+
+void TDicomDoc::SetText(Tag tag, VrCode vr, const char* text) {
+    if (Record() == nullptr) return;
+    const uint32_t length = text == nullptr ? 0 : std::min(TTextUtil().StringLength(text), kLongestText);
+    Record()->PutElement(tag, vr, length, text, length);
+}
+
+void TDicomDoc::SetRecordType(const char* recordType) {
+    SetText(Tags::kDirectoryRecordType, Vr::kCS, recordType);
+}
+
+void TDicomDoc::RequireElement(Tag tag, const char* complaint) const {
+    if (!HasElement(tag)) throw new TException(ErrorNumbers::kRecordStructure, complaint);
+}
+
+bool TDicomDoc::HasSameText(const TDicomDoc& other, Tag tag) const {
+    char mine[kLongestText + 1];
+    char others[kLongestText + 1];
+    return GetText(tag, mine, sizeof(mine)) && other.GetText(tag, others, sizeof(others)) &&
+           TTextUtil().EqualStrings(mine, others);
+}
+
+}  // namespace Vantor

@@ -1,0 +1,92 @@
+#include "records/TPatientDoc.h"
+
+#include <utility>
+
+#include "records/TStudyDoc.h"
+
+namespace Vantor {
+
+namespace {
+
+// The directory type that gives each study a folder, and a companion that tells which.
+constexpr int32_t kExamLayout = 1;
+
+// How many documents of a type are a number of levels below a document.
+int32_t CountBelow(TDicomDoc& doc, int32_t docType) {
+    TListOf<TDicomDoc> children;
+    doc.GetChildDocs(children, true);
+    int32_t count = 0;
+    for (TDicomDoc* child : children) {
+        if (child->GetDocType() == docType) ++count;
+        // The types from patient to image are numbered from the top down.
+        if (child->GetDocType() == doc.GetDocType() + 1 && child->GetDocType() < docType) {
+            count += CountBelow(*child, docType);
+        }
+    }
+    return count;
+}
+
+}  // namespace
+
+TPatientDoc::TPatientDoc() : TParentDoc(kDocType) {}
+
+TPatientDoc::TPatientDoc(const TDicomDataSet* record, TRecordDirectory* directory)
+    : TParentDoc(kDocType, record, directory) {}
+
+TPatientDoc::TPatientDoc(TStoredRecord record, TRecordDirectory* directory)
+    : TParentDoc(kDocType, std::move(record), directory) {}
+
+TPatientDoc::~TPatientDoc() = default;
+
+std::unique_ptr<TDicomDoc> TPatientDoc::MakeCopy(const TDicomDataSet* record, TRecordDirectory* directory) {
+    return std::make_unique<TPatientDoc>(record, directory);
+}
+
+TParentDoc::ChildLists TPatientDoc::GetChildLists() { return {&fStudies, &fPrivateDocs}; }
+
+bool TPatientDoc::IsSameRecord(TDicomDoc* other) {
+    if (other == nullptr || other->GetDocType() != kDocType) return false;
+    const auto& patient = static_cast<const TPatientDoc&>(*other);
+    if (!HasSameText(patient, Tags::kPatientID)) return false;
+    const bool hasNoName = !HasElement(Tags::kPatientName) && !patient.HasElement(Tags::kPatientName);
+    return hasNoName || HasSameText(patient, Tags::kPatientName);
+}
+
+void TPatientDoc::RemoveChild(TDicomDoc* child) {
+    TRecordDirectory* const directory = GetDirectory();
+    const bool isStudy = child != nullptr && child->GetDirectory() == directory && fStudies.Has(child);
+    TDicomDoc* const companion = isStudy ? child->GetCompanionDoc() : nullptr;
+    if (companion != nullptr && directory != nullptr && directory->GetDirectoryType() == kExamLayout &&
+        fPrivateDocs.Has(companion)) {
+        directory->KeepDoc(companion);
+        TParentDoc::RemoveChild(companion);
+    }
+    TParentDoc::RemoveChild(child);
+}
+
+void TPatientDoc::CompleteRecord() {
+    TParentDoc::CompleteRecord();
+    if (Record() == nullptr) return;
+    SetRecordType("PATIENT ");
+    RequireElement(Tags::kPatientID, "No Patient ID");
+}
+
+bool TPatientDoc::GetPatientNumber(char* buffer, uint32_t size) const {
+    return GetText(Tags::kPatientID, buffer, size);
+}
+
+bool TPatientDoc::GetPatientName(char* buffer, uint32_t size) const {
+    return GetText(Tags::kPatientName, buffer, size);
+}
+
+void TPatientDoc::SetPatientNumber(const char* text) { SetText(Tags::kPatientID, Vr::kLO, text); }
+
+void TPatientDoc::SetPatientName(const char* text) { SetText(Tags::kPatientName, Vr::kPN, text); }
+
+int32_t TPatientDoc::GetStudyCount() { return CountBelow(*this, kStudy); }
+
+int32_t TPatientDoc::GetSeriesCount() { return CountBelow(*this, kSeries); }
+
+int32_t TPatientDoc::GetImageCount() { return CountBelow(*this, kImage); }
+
+}  // namespace Vantor

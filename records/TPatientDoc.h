@@ -1,0 +1,52 @@
+#pragma once
+
+#include "records/TParentDoc.h"
+#include "records/TPrivateDoc.h"
+
+namespace Vantor {
+
+class TStudyDoc;
+
+// A PATIENT record with its studies.
+class TPatientDoc final : public TParentDoc {
+  public:
+    static constexpr int32_t kDocType = kPatient;
+
+    TPatientDoc();
+    TPatientDoc(const TDicomDataSet* record, TRecordDirectory* directory);
+    TPatientDoc(TStoredRecord record, TRecordDirectory* directory);
+    ~TPatientDoc() override;
+
+    // True for a patient with the same Patient ID and the same Patient's Name; or the ID alone, when neither
+    // has a name.
+    bool IsSameRecord(TDicomDoc* other) override;
+
+    // In an exam layout, a study's companion goes with it.
+    void RemoveChild(TDicomDoc* child) override;
+
+    // Throws TException 102 "No Patient ID".
+    void CompleteRecord() override;
+
+    bool GetPatientNumber(char* buffer, uint32_t size) const;
+    bool GetPatientName(char* buffer, uint32_t size) const;
+    void SetPatientNumber(const char* text);
+    void SetPatientName(const char* text);
+
+    TListOf<TStudyDoc>* GetStudyDocs() { return &fStudies.GetDocs(); }
+    TListOf<TPrivateDoc>* GetPrivateDocs() { return &fPrivateDocs.GetDocs(); }
+
+    // Counted anew on each call; private records are not among them.
+    int32_t GetStudyCount();
+    int32_t GetSeriesCount();
+    int32_t GetImageCount();
+
+  protected:
+    std::unique_ptr<TDicomDoc> MakeCopy(const TDicomDataSet* record, TRecordDirectory* directory) override;
+    ChildLists GetChildLists() override;
+
+  private:
+    TDocList<TPrivateDoc> fPrivateDocs;
+    TDocList<TStudyDoc> fStudies;
+};
+
+}  // namespace Vantor

@@ -1,0 +1,35 @@
+#include "records/TPrivateDoc.h"
+
+#include <utility>
+
+#include "records/ReferencedFile.h"
+
+namespace Vantor {
+
+TPrivateDoc::TPrivateDoc() : TLeafDoc(kDocType) {}
+
+TPrivateDoc::TPrivateDoc(const TDicomDataSet* record, TRecordDirectory* directory)
+    : TLeafDoc(kDocType, record, directory) {
+    TPrivateDoc::MakeFile();
+}
+
+TPrivateDoc::TPrivateDoc(TStoredRecord record, TRecordDirectory* directory)
+    : TLeafDoc(kDocType, std::move(record), directory) {}
+
+void TPrivateDoc::MakeFile() { SetDicomFile(ReferencedFile::MakePlainFile(Record(), GetDirectory())); }
+
+TDicomDoc* TPrivateDoc::CopyToDirectory(TRecordDirectory* directory, TDicomDoc* parent, bool deep,
+                                        int32_t& error) {
+    return TDicomDoc::CopyToDirectory(directory, parent, deep, error);
+}
+
+std::unique_ptr<TDicomDoc> TPrivateDoc::MakeCopy(const TDicomDataSet* record, TRecordDirectory* directory) {
+    return std::make_unique<TPrivateDoc>(record, directory);
+}
+
+void TPrivateDoc::CompleteRecord() {
+    TLeafDoc::CompleteRecord();
+    SetRecordType("PRIVATE ");
+}
+
+}  // namespace Vantor

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "records/TLeafDoc.h"
+
+namespace Vantor {
+
+// A PRIVATE record, or one of a type that the library does not know: kept with the document that it belongs
+// to.
+class TPrivateDoc final : public TLeafDoc {
+  public:
+    static constexpr int32_t kDocType = kPrivate;
+
+    TPrivateDoc();
+    TPrivateDoc(const TDicomDataSet* record, TRecordDirectory* directory);
+    TPrivateDoc(TStoredRecord record, TRecordDirectory* directory);
+
+    TDicomDoc* CopyToDirectory(TRecordDirectory* directory, TDicomDoc* parent, bool deep,
+                               int32_t& error) override;
+    void CompleteRecord() override;
+
+  protected:
+    void MakeFile() override;
+    std::unique_ptr<TDicomDoc> MakeCopy(const TDicomDataSet* record, TRecordDirectory* directory) override;
+};
+
+}  // namespace Vantor

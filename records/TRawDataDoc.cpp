@@ -1,0 +1,32 @@
+#include "records/TRawDataDoc.h"
+
+#include "records/ReferencedFile.h"
+
+namespace Vantor {
+
+TRawDataDoc::TRawDataDoc() : TLeafDoc(kDocType) {}
+
+TRawDataDoc::TRawDataDoc(const TDicomDataSet* record, TRecordDirectory* directory)
+    : TLeafDoc(kDocType, record, directory) {
+    SetDicomFile(ReferencedFile::MakePlainFile(Record(), directory));
+    ReferencedFile::HandUids(Record(), *this);
+}
+
+TDicomDoc* TRawDataDoc::CopyToDirectory(TRecordDirectory* directory, TDicomDoc* parent, bool deep,
+                                        int32_t& error) {
+    error = 0;
+    if (directory == GetDirectory()) return this;
+    const auto record = ReferencedFile::CopyRecordTo(*this, directory, ReferencedFile::kNotCopied);
+    return PlaceCopy(record.get(), directory, parent, deep, error);
+}
+
+std::unique_ptr<TDicomDoc> TRawDataDoc::MakeCopy(const TDicomDataSet* record, TRecordDirectory* directory) {
+    return std::make_unique<TRawDataDoc>(record, directory);
+}
+
+void TRawDataDoc::CompleteRecord() {
+    TLeafDoc::CompleteRecord();
+    SetRecordType("RAW DATA");
+}
+
+}  // namespace Vantor
