@@ -5,6 +5,7 @@
 #include <iterator>
 #include <string>
 
+#include "tests/support/DirectoryBuilder.h"
 #include "tests/support/FileBuilder.h"
 
 namespace {
@@ -136,6 +137,29 @@ void WriteFiles(const SeedFolder& seeds) {
     seeds.Write("ImageReaderFuzz", "palette", palette.Build());
 }
 
+// One record of each type, and a few pointing elsewhere, in every encoding.
+void WriteDirectories(const SeedFolder& seeds) {
+    for (const Syntax& syntax : kSyntaxes) {
+        for (const auto lengths : {ElementBuilder::Lengths::kDefined, ElementBuilder::Lengths::kUndefined}) {
+            DirectoryBuilder media(syntax.fUid, lengths);
+            const int patient = media.AddPatient(1);
+            const int study = media.AddStudy(patient, 1);
+            const int series = media.AddSeries(study, 1);
+            for (const char* type : {"IMAGE ", "IMAGE ", "RAW DATA", "SR DOCUMENT ", "PRIVATE "})
+                media.AddInstance(series, 1, type);
+            media.AddStudy(media.AddPatient(2), 2);
+            const bool isDefined = lengths == ElementBuilder::Lengths::kDefined;
+            const std::string name = std::string(syntax.fName) + (isDefined ? "" : "-undefined");
+            seeds.Write("DirectoryFuzz", name, media.Build());
+            media.PointLower(study, patient);
+            media.PointNext(patient, patient, 2);
+            media.SetInUse(series, false);
+            media.Keys(study).Text(Tags::kExamCreator, Vr::kLO, "EXAMS");
+            seeds.Write("DirectoryFuzz", name + "-damaged", media.Build());
+        }
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -146,5 +170,6 @@ int main(int argc, char** argv) {
     const SeedFolder seeds{argv[1]};
     WriteDataSets(seeds);
     WriteFiles(seeds);
+    WriteDirectories(seeds);
     return 0;
 }
