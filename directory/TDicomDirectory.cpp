@@ -348,7 +348,7 @@ void TDicomDirectory::SetImageFolderName(const char* name) {
 
 double TDicomDirectory::GetAvailableSpace() {
     const std::string root = Platform::PathStyle::OfPlatform().VolumeRoot(fFileSpec.fPath);
-    return static_cast<double>(Platform::GetFreeSpace(root)) / kBytesPerKilobyte;
+    return static_cast<double>(Platform::GetFreeBytes(root)) / kBytesPerKilobyte;
 }
 
 bool TDicomDirectory::RegisterDicomFile(std::unique_ptr<TDicomFile> file) {

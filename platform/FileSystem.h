@@ -35,7 +35,7 @@ void CreateFolder(const std::string& path);
 
 // The bytes that this user may still write on the volume that holds an existing file or folder; 0 when that
 // cannot be told.
-uint64_t GetFreeSpace(const std::string& path);
+uint64_t GetFreeBytes(const std::string& path);
 
 // Removes a file (never a folder). Throws FileException, also when there is none.
 void RemoveFile(const std::string& path);

@@ -74,7 +74,7 @@ void CreateFolder(const std::string& path) {
     NoteAdded(found.fPath);
 }
 
-uint64_t GetFreeSpace(const std::string& path) {
+uint64_t GetFreeBytes(const std::string& path) {
     struct statvfs volume = {};
     const int result = WithPathOnDisk(path, [&](const char* spelled) { return statvfs(spelled, &volume); });
     return result == 0 ? uint64_t{volume.f_bavail} * volume.f_frsize : 0;

@@ -63,7 +63,7 @@ void CreateFolder(const std::string& path) {
     }
 }
 
-uint64_t GetFreeSpace(const std::string& path) {
+uint64_t GetFreeBytes(const std::string& path) {
     ULARGE_INTEGER freeToCaller = {};
     return GetDiskFreeSpaceExA(path.c_str(), &freeToCaller, nullptr, nullptr) ? freeToCaller.QuadPart : 0;
 }

@@ -57,8 +57,8 @@ TEST(FileSystem, MakesFoldersInExistingOnesOnly) {
     EXPECT_NE(FailureOf([&] { CreateFolder(folder.PathOf("imagesdc")); }), "nothing") << "in another case";
     EXPECT_EQ(FailureOf([&] { CreateFolder(folder.PathOf("MISSING/SUB")); }),
               folder.PathOf("MISSING/SUB") + kBadPath);
-    EXPECT_EQ(GetFreeSpace(folder.GetPath()) / (1 << 20), fs::space(folder.GetPath()).available / (1 << 20));
-    EXPECT_EQ(GetFreeSpace(folder.PathOf("MISSING/SUB")), 0U);
+    EXPECT_EQ(GetFreeBytes(folder.GetPath()) / (1 << 20), fs::space(folder.GetPath()).available / (1 << 20));
+    EXPECT_EQ(GetFreeBytes(folder.PathOf("MISSING/SUB")), 0U);
 }
 
 TEST(FileSystem, TellsFilesFoldersAndNothing) {
