@@ -9,6 +9,7 @@
 #include "dicom/TDicomDataSet.h"
 #include "dicom/TDicomDataSetLayout.h"
 #include "dicom/TException.h"
+#include "platform/Ascii.h"
 
 namespace Vantor {
 
@@ -23,11 +24,6 @@ constexpr uint32_t Even(uint32_t length) { return length + (length & 1u); }
 
 constexpr uint8_t PadFor(VrCode vr) {
     return vr == Vr::kUI || vr == Vr::kOB ? uint8_t{0} : static_cast<uint8_t>(' ');
-}
-
-constexpr uint8_t UpperCase(uint8_t character) {
-    const bool isLower = character >= 'a' && character <= 'z';
-    return isLower ? static_cast<uint8_t>(character - 'a' + 'A') : character;
 }
 
 }  // namespace
@@ -219,7 +215,8 @@ void TDicomDataSet::WriteValue(int32_t valueOffset, Tag tag, VrCode vr, uint32_t
     } else if (const uint32_t unit = WriteUnit(vr); converts && fSwapsBytes && unit != 0) {
         ByteOrder::CopyReversedUnits(target, source, count, unit);
     } else if (vr == Vr::kCS && count <= kLongestUpperCasedValue) {
-        std::transform(source, source + count, target, UpperCase);
+        const auto* const text = reinterpret_cast<const char*>(source);
+        std::transform(text, text + count, reinterpret_cast<char*>(target), Platform::UpperCase);
     } else if (count > 0) {
         std::memmove(target, source, count);
     }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -12,6 +11,7 @@
 
 #include "dicom/TException.h"
 #include "dicom/TTextUtil.h"
+#include "platform/Ascii.h"
 #include "platform/Clock.h"
 #include "platform/FileException.h"
 #include "platform/StructuredStorage.h"
@@ -158,9 +158,7 @@ void RemoveFileAt(const TFileSpec& fileSpec) {
 
 // Structured storage does not tell stream names apart by case.
 bool IsSameStreamName(std::string_view a, std::string_view b) {
-    const auto upper = [](char c) { return std::toupper(static_cast<unsigned char>(c)); };
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [&](char first, char second) { return upper(first) == upper(second); });
+    return Platform::UpperCased(a) == Platform::UpperCased(b);
 }
 
 // The place where a copy of a file onto itself is gathered.

@@ -1,6 +1,6 @@
 #include "directory/MediaPaths.h"
 
-#include <algorithm>
+#include "platform/Ascii.h"
 
 namespace Vantor {
 
@@ -9,20 +9,13 @@ namespace {
 constexpr std::string_view kDirectoryFileName = "DICOMDIR";
 constexpr std::string_view kPadding(" \0", 2);
 
-std::string UpperCased(std::string_view text) {
-    std::string upper(text);
-    std::transform(upper.begin(), upper.end(), upper.begin(),
-                   [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
-    return upper;
-}
-
 }  // namespace
 
 MediaPaths::MediaPaths(const Platform::PathStyle& style, std::string_view directoryPath, bool isFolder)
     : fStyle(style), fFolder(directoryPath) {
     // Looked for in the last name only: the folders above may be called after it too.
     const size_t nameStart = style.FolderPart(directoryPath).size();
-    const size_t position = UpperCased(directoryPath).find(kDirectoryFileName, nameStart);
+    const size_t position = Platform::UpperCased(directoryPath).find(kDirectoryFileName, nameStart);
     fHasDICOMDIR = position != std::string::npos && !isFolder;
     if (fHasDICOMDIR) fFolder.resize(position);
     if (!fFolder.empty() && !style.IsSeparator(fFolder.back())) fFolder += style.GetSeparator();
@@ -35,7 +28,7 @@ std::string MediaPaths::MakeFullPath(std::string_view fileID) const {
 }
 
 std::string MediaPaths::MakeFileID(std::string_view path) const {
-    if (UpperCased(path.substr(0, fFolder.size())) != UpperCased(fFolder)) return {};
+    if (Platform::UpperCased(path.substr(0, fFolder.size())) != Platform::UpperCased(fFolder)) return {};
     return fStyle.ToFileID(path.substr(fFolder.size()));
 }
 

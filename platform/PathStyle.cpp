@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/Ascii.h"
+
 namespace Vantor::Platform {
 
 namespace {
@@ -10,10 +12,6 @@ constexpr char kFileIDSeparator = '\\';
 constexpr char kDriveEnd = ':';
 constexpr std::string_view kShareStart = "\\\\";
 constexpr size_t kDriveLength = 2;
-
-char UpperCase(char character) {
-    return character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A') : character;
-}
 
 }  // namespace
 
@@ -59,10 +57,6 @@ std::string PosixPathStyle::VolumeRoot(std::string_view path) const {
     return folder.empty() ? "./" : std::string(folder);
 }
 
-std::string PosixPathStyle::NameToMake(std::string_view name) const {
-    std::string spelled(name);
-    std::transform(spelled.begin(), spelled.end(), spelled.begin(), UpperCase);
-    return spelled;
-}
+std::string PosixPathStyle::NameToMake(std::string_view name) const { return UpperCased(name); }
 
 }  // namespace Vantor::Platform

@@ -1,10 +1,10 @@
 #include "records/TSeriesDoc.h"
 
-#include <algorithm>
 #include <cstring>
 #include <string>
 #include <utility>
 
+#include "platform/Ascii.h"
 #include "records/TPatientDoc.h"
 #include "records/TStudyDoc.h"
 
@@ -15,10 +15,6 @@ namespace {
 constexpr char kNoUID[] = "VANTxxxxUID";
 constexpr char kFirstSeriesNumber[] = "1";
 constexpr char kLowResolutionFolder[] = "QMAG";
-
-char UpperCase(char character) {
-    return character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A') : character;
-}
 
 }  // namespace
 
@@ -110,8 +106,7 @@ bool TSeriesDoc::CheckSequoiaLoRes() {
     if (GetImageDocs()->GetCount() <= 1) return false;
     const TDicomFile* const file = GetFirstImage()->GetDicomFile();
     if (file == nullptr) return false;
-    std::string path = file->GetFileSpec()->fPath;
-    std::transform(path.begin(), path.end(), path.begin(), UpperCase);
+    const std::string path = Platform::UpperCased(file->GetFileSpec()->fPath);
     return path.find(kLowResolutionFolder) != std::string::npos;
 }
 
