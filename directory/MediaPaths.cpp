@@ -7,6 +7,7 @@ namespace Vantor {
 namespace {
 
 constexpr std::string_view kDirectoryFileName = "DICOMDIR";
+constexpr char kFileIDSeparator = '\\';
 constexpr std::string_view kPadding(" \0", 2);
 
 }  // namespace
@@ -30,6 +31,11 @@ std::string MediaPaths::MakeFullPath(std::string_view fileID) const {
 std::string MediaPaths::MakeFileID(std::string_view path) const {
     if (Platform::UpperCased(path.substr(0, fFolder.size())) != Platform::UpperCased(fFolder)) return {};
     return fStyle.ToFileID(path.substr(fFolder.size()));
+}
+
+bool MediaPaths::IsInside(std::string_view path) const {
+    const std::string fileID = kFileIDSeparator + MakeFileID(path) + kFileIDSeparator;
+    return fileID.size() > 2 && fileID.find("\\..\\") == std::string::npos;
 }
 
 std::string MediaPaths::MakeImageFolderPath(std::string_view imageFolderName) const {

@@ -23,6 +23,9 @@ class MediaPaths {
     // a path elsewhere.
     std::string MakeFileID(std::string_view path) const;
 
+    // True for a path below the directory's folder that does not climb out of it again.
+    bool IsInside(std::string_view path) const;
+
     // The full path of the image folder, whose name starts with a backslash. Empty when the directory's path
     // is a name alone.
     std::string MakeImageFolderPath(std::string_view imageFolderName) const;

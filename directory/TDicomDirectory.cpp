@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cstring>
+#include <unordered_set>
 #include <utility>
 
 #include "dicom/TException.h"
 #include "dicom/TTextUtil.h"
+#include "directory/MediaPaths.h"
 #include "directory/RecordLoader.h"
 #include "platform/FileException.h"
 #include "platform/FileSystem.h"
@@ -22,25 +24,26 @@ constexpr uintptr_t kSecondSize = 31457280;
 constexpr char kStandardImageFolder[] = "\\imagesdc";
 constexpr char kExamImageFolder[] = "\\Exams";
 
+constexpr int32_t kListedTypes[] = {TDicomDoc::kPatient, TDicomDoc::kStudy,   TDicomDoc::kSeries,
+                                    TDicomDoc::kImage,   TDicomDoc::kRawData, TDicomDoc::kSR};
+
 constexpr double kBytesPerKilobyte = 1024.0;
 constexpr uint32_t kLongestSeriesNumber = 64;
 constexpr uint32_t kLongestExamFolder = 256;
 
-// The last name of a folder's path; none where it is not the plain name of a folder.
+// The last name of a folder's path; none where it is not the plain name of a folder. Windows takes a name of
+// dots, or with dots or blanks at its end, for another one.
 std::optional<std::string> LastFolderName(std::string path) {
     path.erase(path.find_last_not_of(' ') + 1);
     const std::string name = path.substr(path.find_last_of("\\/") + 1);
-    const bool isPlain = !name.empty() && name != "." && name != ".." && name.find(':') == std::string::npos;
+    const bool isPlain =
+        !name.empty() && name.back() != '.' && name.find_first_of(":*?\"<>|") == std::string::npos;
     if (!isPlain || name.size() >= TDicomDoc::kFolderNameSize) return std::nullopt;
     return name;
 }
 
 void DestroyUnlessHeld(TDicomDoc* doc) {
-    if (doc->IsInUse()) {
-        doc->Settle();
-    } else {
-        delete doc;
-    }
+    if (!doc->IsInUse()) delete doc;
 }
 
 // An item of a list with the number it is sorted by.
@@ -62,6 +65,32 @@ void PutBack(TListOf<T>& list, const std::vector<Numbered<T>>& docs) {
 }
 
 }  // namespace
+
+// The directory's path as it is now, with its file's other words.
+class TDicomDirectory::FilePlaces final : public TFilePlaces {
+  public:
+    explicit FilePlaces(TDicomDirectory& directory)
+        : TFilePlaces(reinterpret_cast<uintptr_t>(&directory)),
+          fDirectorySpec(directory.fFileSpec),
+          fPaths(Platform::PathStyle::OfPlatform(), fDirectorySpec.fPath,
+                 Platform::IsFolder(fDirectorySpec.fPath)) {}
+
+    const MediaPaths& GetPaths() const { return fPaths; }
+
+    TFileSpec Find(std::string_view fileID) const override {
+        const std::string path = fPaths.MakeFullPath(fileID);
+        // A path that is cut would name another file.
+        TFileSpec fileSpec(TFileSpec::FitsPath(path) ? path : std::string(), fDirectorySpec.fStorage);
+        fileSpec.fWord = fDirectorySpec.fWord;
+        return fileSpec;
+    }
+
+    bool IsInside(const TFileSpec& fileSpec) const override { return fPaths.IsInside(fileSpec.fPath); }
+
+  private:
+    TFileSpec fDirectorySpec;
+    MediaPaths fPaths;
+};
 
 TDicomDirectory::TDicomDirectory(const TFileSpec& fileSpec, uint32_t imageDocFlag)
     : TDicomFile(0, fileSpec, 0, kFirstSize, kSecondSize), fImageDocFlag(imageDocFlag) {
@@ -96,6 +125,7 @@ bool TDicomDirectory::ReloadIfChanged() {
     try {
         OpenFile(Platform::FileAccess::kRead);
         ReadFile();
+        fRecordShift = 0;
         CloseFile();
         UpdateModTime();
         RefreshDocs();
@@ -113,9 +143,11 @@ bool TDicomDirectory::ReloadIfChanged() {
 
 void TDicomDirectory::RefreshDocs() {
     ClearLists();
-    fPaths.reset();
-    if (fDataSet == nullptr || fMetaDataSet == nullptr) return;
-    RecordLoader loader(*fDataSet, GetHeaderSize(), *this);
+    fPlaces.reset();
+    if (fDataSet == nullptr) return;
+    // Without meta information, which a file that has become unreadable leaves behind, as it was read.
+    const int64_t dataSetStart = fMetaDataSet == nullptr ? fDataOffset : GetHeaderSize();
+    RecordLoader loader(*fDataSet, dataSetStart - fRecordShift, *this);
     loader.Load();
     for (auto& stray : loader.TakeStrayDocs()) KeepDoc(stray.release());
     FillLists(loader.TakeRootDocs());
@@ -168,12 +200,14 @@ template <typename T>
 void TDicomDirectory::ClearList(TListOf<T>& list, HeldDocs& withoutParent) {
     for (auto doc = list.rbegin(); doc != list.rend(); ++doc) {
         (*doc)->Release();
-        if ((*doc)->GetParentObj() == nullptr) withoutParent.push_back(*doc);
+        // Whoever is below another document is in use by that one's list at least.
+        if (!(*doc)->IsInUse()) withoutParent.push_back(*doc);
     }
     list.RemoveAllItems();
 }
 
-// What is below a patient goes with it; documents that are below none have to be looked after one by one.
+// What is below a patient goes with it; documents that are below none, also where they count one as their
+// parent, have to be looked after one by one.
 void TDicomDirectory::ClearLists() {
     HeldDocs withoutParent;
     ClearList(fStudyDocs, withoutParent);
@@ -181,13 +215,20 @@ void TDicomDirectory::ClearLists() {
     ClearList(fImageDocs, withoutParent);
     // Raw data keep the list's count, and so live on until the directory goes: hosts hold on to raw data
     // across a refresh without counting them.
-    fRetiredDocs.insert(fRetiredDocs.end(), fRawDataDocs.begin(), fRawDataDocs.end());
+    for (TRawDataDoc* doc : fRawDataDocs) {
+        const bool isListedOnlyHere = doc->GetRefCount() == 1;
+        if (isListedOnlyHere) doc->LeaveParent();
+        fRetiredDocs.push_back(doc);
+    }
     fRawDataDocs.RemoveAllItems();
     ClearList(fSRDocs, withoutParent);
+    for (TDicomDoc* doc : withoutParent) {
+        doc->LeaveParent();
+        delete doc;
+    }
     HeldDocs patients(fPatientDocs.rbegin(), fPatientDocs.rend());
     fPatientDocs.RemoveAllItems();
     Drop(patients);
-    for (TDicomDoc* doc : withoutParent) DestroyUnlessHeld(doc);
     Drop(fOtherRootDocs);
     Drop(fPlacelessDocs);
 }
@@ -254,6 +295,19 @@ void TDicomDirectory::RemoveDoc(TDicomDoc* doc) {
     });
 }
 
+void TDicomDirectory::RemoveDocs(const TListOf<TDicomDoc>& docs) {
+    const std::unordered_set<const TDicomDoc*> removed(docs.begin(), docs.end());
+    for (const int32_t docType : kListedTypes) {
+        WithListOf(docType, [&removed]<typename T>(TListOf<T>& list) {
+            list.RemoveItemsIf([&removed](T* doc) {
+                if (removed.count(doc) == 0) return false;
+                doc->Release();
+                return true;
+            });
+        });
+    }
+}
+
 void TDicomDirectory::KeepDoc(TDicomDoc* doc) {
     doc->Register();
     fPlacelessDocs.push_back(doc);
@@ -315,29 +369,31 @@ void TDicomDirectory::SortImagesByNumber(TSeriesDoc* series) {
 
 // ---- Files and folders ----
 
-const MediaPaths& TDicomDirectory::GetPaths() {
-    if (!fPaths || fPathsOf != fFileSpec.fPath) {
+std::shared_ptr<const TFilePlaces> TDicomDirectory::GetFilePlaces() {
+    GetPlaces();
+    return fPlaces;
+}
+
+const TDicomDirectory::FilePlaces& TDicomDirectory::GetPlaces() {
+    if (fPlaces == nullptr || fPathsOf != fFileSpec.fPath) {
         fPathsOf = fFileSpec.fPath;
-        fPaths.emplace(Platform::PathStyle::OfPlatform(), fPathsOf, Platform::IsFolder(fPathsOf));
+        fPlaces = std::make_shared<const FilePlaces>(*this);
     }
-    return *fPaths;
+    return *fPlaces;
 }
 
 void TDicomDirectory::MakeFileSpec(std::string_view fileID, TFileSpec& fileSpec) {
-    const std::string path = GetPaths().MakeFullPath(fileID);
-    // A path that is cut would name another file.
-    fileSpec = TFileSpec(TFileSpec::FitsPath(path) ? path : std::string(), fFileSpec.fStorage);
-    fileSpec.fWord = fFileSpec.fWord;
+    fileSpec = GetPlaces().Find(fileID);
 }
 
 void TDicomDirectory::MakeRelativeFileID(char* buffer, uint32_t& length, const TFileSpec& fileSpec) {
-    length =
-        TTextUtil().CopyCString(GetPaths().MakeFileID(fileSpec.fPath).c_str(), buffer, TFileSpec::kPathSize);
+    length = TTextUtil().CopyCString(GetPlaces().GetPaths().MakeFileID(fileSpec.fPath).c_str(), buffer,
+                                     TFileSpec::kPathSize);
 }
 
 void TDicomDirectory::SetImageFolderName(const char* name) {
     TTextUtil().CopyCString(name, fImageFolderName, kImageFolderNameSize);
-    const std::string path = GetPaths().MakeImageFolderPath(fImageFolderName);
+    const std::string path = GetPlaces().GetPaths().MakeImageFolderPath(fImageFolderName);
     if (path.empty() || Platform::IsFolder(path)) return;
     try {
         Platform::CreateFolder(path);
@@ -391,7 +447,10 @@ void TDicomDirectory::SetDirName(const char* text) {
     TTextUtil().CopyCString(text, fDirectoryName, kDirectoryNameSize);
     if (fDataSet == nullptr) return;
     const uint32_t length = TTextUtil().StringLength(text);
+    const int32_t sizeBefore = fDataSet->GetDataSetSize();
     fDataSet->PutElement(Tags::kFileSetID, Vr::kCS, length, text, length);
+    // The offsets in the records are those of the file until it is written.
+    fRecordShift += fDataSet->GetDataSetSize() - sizeBefore;
 }
 
 void TDicomDirectory::GetVolumeName(char* buffer) const { std::memcpy(buffer, fVolumeName, kVolumeNameSize); }

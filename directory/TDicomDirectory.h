@@ -3,13 +3,11 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "dicom/TDicomFile.h"
-#include "directory/MediaPaths.h"
 #include "records/TDicomDoc.h"
 #include "records/TImageDoc.h"
 #include "records/TListOf.h"
@@ -30,10 +28,6 @@ namespace Vantor {
 // destroyed; who counts one keeps it beyond that, without the documents above it.
 class TDicomDirectory : public TDicomFile, public TRecordDirectory {
   public:
-    // The directory types: how image files are named and put into folders.
-    static constexpr int32_t kStandardLayout = 0;
-    static constexpr int32_t kExamLayout = 1;
-
     static constexpr uint32_t kDirectoryNameSize = 17;  // a File-set ID and a terminator
     static constexpr uint32_t kVolumeNameSize = 32;
     static constexpr uint32_t kImageFolderNameSize = 32;
@@ -55,14 +49,17 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     // could not be, and the documents are then the old ones unless their order could not be made out.
     virtual bool ReloadIfChanged();
 
-    // Takes every patient out of its list, as RemoveDoc does; the other lists stay.
+    // Takes every patient out of its list; the other lists stay. The directory keeps counting the patients,
+    // and destroys them when it is read again or goes.
     virtual void RemoveAllDocs();
 
     // Takes a document out of the list of its type and gives the list's count back. Does nothing for one that
-    // is not there, and for private documents.
+    // is not there, and for private documents. A document that is below no other is the caller's then, who
+    // destroys it unless it is in use.
     void RemoveDoc(TDicomDoc* doc) override;
 
-    void MakeFileSpec(std::string_view fileID, TFileSpec& fileSpec) override;
+    // The full path of a file that a record names by its file ID. Empty when there can be none.
+    virtual void MakeFileSpec(std::string_view fileID, TFileSpec& fileSpec);
     void MakeRelativeFileID(char* buffer, uint32_t& length, const TFileSpec& fileSpec) override;
 
     // An empty text, for media that carry none.
@@ -138,9 +135,11 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
 
     // ---- For the documents ----
 
+    std::shared_ptr<const TFilePlaces> GetFilePlaces() override;
     double GetAvailableSpace() override;
     uint32_t GetImageSetting() const override { return fImageDocFlag; }
     void RegisterDoc(TDicomDoc* doc) override;
+    void RemoveDocs(const TListOf<TDicomDoc>& docs) override;
     void KeepDoc(TDicomDoc* doc) override;
     std::unique_ptr<TDicomFile> TakeRegisteredFile(const char* sopClassUID,
                                                    const char* sopInstanceUID) override;
@@ -149,7 +148,9 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     // Documents that the directory counts outside its lists.
     using HeldDocs = std::vector<TDicomDoc*>;
 
-    const MediaPaths& GetPaths();
+    class FilePlaces;
+
+    const FilePlaces& GetPlaces();
     void SetImageFolderName(const char* name);
     void FillLists(std::vector<std::unique_ptr<TDicomDoc>> rootDocs);
     void DetectExamLayout();
@@ -180,10 +181,11 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     uint32_t fImageDocFlag = 0;
 
     std::string fPathsOf;
-    std::optional<MediaPaths> fPaths;  // for fPathsOf; none when it has to be made anew
-    HeldDocs fOtherRootDocs;           // on the top level of the tree without being patients
-    HeldDocs fPlacelessDocs;           // in no list and below no document
-    HeldDocs fRetiredDocs;             // raw data of earlier trees
+    std::shared_ptr<const FilePlaces> fPlaces;  // for fPathsOf; null when they have to be made anew
+    int64_t fRecordShift = 0;  // how far the records have moved in the data set since it was read
+    HeldDocs fOtherRootDocs;   // on the top level of the tree without being patients
+    HeldDocs fPlacelessDocs;   // in no list and below no document
+    HeldDocs fRetiredDocs;     // raw data of earlier trees
 };
 
 }  // namespace Vantor

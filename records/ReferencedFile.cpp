@@ -26,16 +26,14 @@ std::unique_ptr<TDicomFile> TakeFileOf(TDicomFile& file, TRecordDirectory& direc
 
 }  // namespace
 
-std::optional<TFileSpec> Find(const TDicomDataSet* record, TRecordDirectory* directory) {
+std::optional<TFileSpec> Find(const TDicomDataSet* record, const TFilePlaces& places) {
     std::array<char, kLongestFileID> fileID{};
     uint32_t length = 0;
-    if (record == nullptr || directory == nullptr ||
+    if (record == nullptr ||
         !record->FindElement(Tags::kReferencedFileID, nullptr, &length, fileID.data(), kLongestFileID)) {
         return std::nullopt;
     }
-    TFileSpec fileSpec;
-    directory->MakeFileSpec(std::string_view(fileID.data(), std::min(length, kLongestFileID)), fileSpec);
-    return fileSpec;
+    return places.Find(std::string_view(fileID.data(), std::min(length, kLongestFileID)));
 }
 
 // An absent UID leaves the buffer alone: who collects UIDs in a loop relies on it.
@@ -56,22 +54,12 @@ void HandUids(const TDicomDataSet* record, TIODSource& receiver) {
     if (GetUid(record, Tags::kReferencedSOPInstanceUIDInFile, uid)) receiver.SetSOPInstanceUID(uid);
 }
 
-std::unique_ptr<TDicomFile> MakePlainFile(const TDicomDataSet* record, TRecordDirectory* directory) {
-    const auto fileSpec = Find(record, directory);
+std::unique_ptr<TDicomFile> MakePlainFile(const TDicomDataSet* record, const TFilePlaces& places) {
+    const auto fileSpec = Find(record, places);
     if (!fileSpec) return nullptr;
-    auto file = std::make_unique<TDicomFile>(reinterpret_cast<uintptr_t>(directory), *fileSpec, 0);
+    auto file = std::make_unique<TDicomFile>(places.GetOwner(), *fileSpec, 0);
     HandUids(record, *file);
     return file;
-}
-
-bool CountsAsSame(TDicomDoc& doc, TDicomDoc* other) {
-    if (other == &doc || other == nullptr || other->GetDocType() != doc.GetDocType()) return true;
-    TUidText mine[2];
-    TUidText others[2];
-    return doc.GetSOPInstanceUID(mine[0].fText) && doc.GetSOPClassUID(mine[1].fText) &&
-           other->GetSOPInstanceUID(others[0].fText) && other->GetSOPClassUID(others[1].fText) &&
-           TTextUtil().EqualStrings(mine[0].fText, others[0].fText) &&
-           TTextUtil().EqualStrings(mine[1].fText, others[1].fText);
 }
 
 std::unique_ptr<TDicomDataSet> CopyRecordTo(TDicomDoc& doc, TRecordDirectory* directory,
@@ -81,13 +69,16 @@ std::unique_ptr<TDicomDataSet> CopyRecordTo(TDicomDoc& doc, TRecordDirectory* di
     std::unique_ptr<TDicomDataSet> copy = TDicomDoc::CopyRecord(*record);
     TDicomFile* const file = doc.GetDicomFile();
     if (file == nullptr || directory == nullptr) return copy;
+    char fileID[TFileSpec::kPathSize] = {};
+    uint32_t length = 0;
     if (const std::unique_ptr<TDicomFile> registered = TakeFileOf(*file, *directory)) {
-        char fileID[TFileSpec::kPathSize] = {};
-        uint32_t length = 0;
         directory->MakeRelativeFileID(fileID, length, *registered->GetFileSpec());
-        PutFileID(*copy, fileID, length);
-    } else if (fallback != nullptr) {
+    }
+    // Without a file, and with one that is not on the medium.
+    if (length == 0 && fallback != nullptr) {
         PutFileID(*copy, fallback, TTextUtil().StringLength(fallback));
+    } else if (length > 0) {
+        PutFileID(*copy, fileID, length);
     }
     return copy;
 }

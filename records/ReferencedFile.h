@@ -10,8 +10,8 @@
 // What the records of instances have in common: they name a file of the medium, its class and its instance.
 namespace Vantor::ReferencedFile {
 
-// Where the file is; none when the record names none or has no directory.
-std::optional<TFileSpec> Find(const TDicomDataSet* record, TRecordDirectory* directory);
+// Where the file is; none when the record names none.
+std::optional<TFileSpec> Find(const TDicomDataSet* record, const TFilePlaces& places);
 
 // Read and write a referenced UID of the record, as TIODSource's operations do their own.
 bool GetUid(const TDicomDataSet* record, Tag tag, char* buffer);
@@ -21,11 +21,7 @@ void SetUid(TDicomDataSet* record, Tag tag, const char* text);
 void HandUids(const TDicomDataSet* record, TIODSource& receiver);
 
 // A plain file object for the file that the record names, with its UIDs; null when it names none.
-std::unique_ptr<TDicomFile> MakePlainFile(const TDicomDataSet* record, TRecordDirectory* directory);
-
-// False only for another document of the same type that does not have the same SOP class and instance:
-// nothing, and documents of other types, count as the same. Hosts rely on it.
-bool CountsAsSame(TDicomDoc& doc, TDicomDoc* other);
+std::unique_ptr<TDicomFile> MakePlainFile(const TDicomDataSet* record, const TFilePlaces& places);
 
 // A copy of a document's record for another directory. It names the file that is registered there for the
 // document's instance; without one, the fallback, or what it named before when that is null.

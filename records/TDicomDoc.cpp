@@ -28,8 +28,7 @@ constexpr uint16_t kInUse = 0xFFFF;
 TDicomDoc::TDicomDoc(int32_t docType) : fDocType(docType) {}
 
 TDicomDoc::TDicomDoc(int32_t docType, const TDicomDataSet* record, TRecordDirectory* directory)
-    : fDocType(docType) {
-    SetDirectory(directory);
+    : TDicomDoc(docType, TStoredRecord(), directory) {
     if (record != nullptr) {
         fDataSet = CopyRecord(*record);
         return;
@@ -42,12 +41,12 @@ TDicomDoc::TDicomDoc(int32_t docType, const TDicomDataSet* record, TRecordDirect
 TDicomDoc::TDicomDoc(int32_t docType, TStoredRecord record, TRecordDirectory* directory)
     : fStored(std::move(record)), fDocType(docType) {
     SetDirectory(directory);
+    if (directory != nullptr) fPlaces = directory->GetFilePlaces();
 }
 
 TDicomDoc::~TDicomDoc() = default;
 
 TDicomDataSet* TDicomDoc::Record() const {
-    // Nobody can tell a document that has been woken from one that has not.
     if (!fStored.IsEmpty()) const_cast<TDicomDoc*>(this)->Wake();
     return fDataSet.get();
 }
@@ -55,22 +54,11 @@ TDicomDataSet* TDicomDoc::Record() const {
 void TDicomDoc::Wake() {
     fDataSet = CopyRecord(fStored.Open());
     fStored.Clear();
-    MakeFile();
+    FindFile();
 }
 
-void TDicomDoc::Settle() {
-    fParent = nullptr;
-    fCompanion = nullptr;  // it goes with the tree
-    try {
-        TListOf<TDicomDoc> docs;
-        docs.InsertItemAt(docs.kAtEnd, this);
-        GetChildDocs(docs, false);
-        for (const TDicomDoc* doc : docs) doc->Record();
-    } catch (TException* thrown) {
-        // Without memory it has what it has had.
-        const std::unique_ptr<TException> error(thrown);
-    } catch (const std::bad_alloc&) {
-    }
+void TDicomDoc::FindFile() {
+    if (fPlaces != nullptr) MakeFile(*fPlaces);
 }
 
 void TDicomDoc::SetSOPClassUID(const char* text) {
@@ -110,6 +98,11 @@ void TDicomDoc::LeaveParent() {
     parent->Release();
 }
 
+void TDicomDoc::OutliveParent() {
+    fParent = nullptr;
+    fCompanion = nullptr;
+}
+
 void TDicomDoc::SetDirectory(TRecordDirectory* directory) {
     fDirectory = directory == nullptr ? nullptr : directory->GetLink();
 }
@@ -139,8 +132,8 @@ void TDicomDoc::Discard() {
     if (TRecordDirectory* const directory = GetDirectory(); directory != nullptr) {
         TListOf<TDicomDoc> below;
         GetChildDocs(below, false);
-        for (TDicomDoc* doc : below) directory->RemoveDoc(doc);
-        directory->RemoveDoc(this);
+        below.InsertItemAt(below.kAtEnd, this);
+        directory->RemoveDocs(below);
     }
     if (!IsInUse()) delete this;
 }
@@ -170,7 +163,9 @@ TDicomDoc* TDicomDoc::PlaceCopy(const TDicomDataSet* record, TRecordDirectory* d
 // ---- Files ----
 
 void TDicomDoc::CollectFiles(TListOf<TDicomFile>& files) {
-    if (GetDicomFile() != nullptr) files.InsertItemAt(TListOf<TDicomFile>::kAtEnd, GetDicomFile());
+    TDicomFile* const file = GetDicomFile();
+    const bool isOurs = fPlaces == nullptr || (file != nullptr && fPlaces->IsInside(*file->GetFileSpec()));
+    if (file != nullptr && isOurs) files.InsertItemAt(files.kAtEnd, file);
     TListOf<TDicomDoc> children;
     GetChildDocs(children, true);
     for (TDicomDoc* child : children) child->CollectFiles(files);
@@ -180,6 +175,9 @@ void TDicomDoc::DeleteFilesFromDisk() {
     TListOf<TDicomFile> files;
     try {
         CollectFiles(files);
+    } catch (TException* thrown) {
+        const std::unique_ptr<TException> error(thrown);
+        return;
     } catch (const std::bad_alloc&) {
         return;
     }

@@ -97,22 +97,23 @@ class TDicomDoc : public TIODSource {
     void GetFolderName(char* buffer) const;
     bool SetFolderName(const char* text, uint32_t length);
 
-    // Another document that goes where this one goes; not counted. Null when there is none.
+    // Another document that goes where this one goes; neither counted nor looked at once it is not in its
+    // list any more. Null when there is none.
     TDicomDoc* GetCompanionDoc() const { return fCompanion; }
     void SetCompanionDoc(TDicomDoc* companion) { fCompanion = companion; }
 
     // False when only the document's own children count on it: then it may be destroyed. True in doubt.
     bool IsInUse();
 
-    // Prepares the document, and all that is below, to outlive its directory and its parent, which it has no
-    // more.
-    void Settle();
+    // Lets go of the parent, which is about to be destroyed, and of what goes with it.
+    void OutliveParent();
 
     // Takes the document out of its parent and, with all that is below, out of its directory's lists, and
     // destroys it unless somebody holds it.
     void Discard();
 
-    // Removes the files of this document and of all below it from disk, as far as that goes. Records stay.
+    // Removes the files of this document and of all below it from disk, as far as that goes. Records stay,
+    // and so do files that lie elsewhere than below the directory's folder.
     void DeleteFilesFromDisk();
 
     // What the files of this document and of all below it take, in units of 1,024 bytes, counted file by file
@@ -131,15 +132,17 @@ class TDicomDoc : public TIODSource {
     // throws.
     TDicomDoc(int32_t docType, const TDicomDataSet* record, TRecordDirectory* directory);
 
-    // With a record that is made into a data set when it is first asked for, and its file with it: until then
-    // the document looks no different. What it needs of its directory must be had by then: see Settle.
+    // With a record that is made into a data set when it is first asked for, and its file with it. Nobody can
+    // tell.
     TDicomDoc(int32_t docType, TStoredRecord record, TRecordDirectory* directory);
 
     // The record's elements; null without a data set.
     TDicomDataSet* Record() const;
 
-    // Makes the object for the file that the record names, for the classes that have one.
-    virtual void MakeFile() {}
+    // Makes the object for the file that the record names, for the classes that have one. Constructors of
+    // these end with FindFile, which asks for it when there is a directory.
+    virtual void MakeFile(const TFilePlaces& /*places*/) {}
+    void FindFile();
 
     // A new document of this class over a copy of a record.
     virtual std::unique_ptr<TDicomDoc> MakeCopy(const TDicomDataSet* record, TRecordDirectory* directory) = 0;
@@ -171,6 +174,7 @@ class TDicomDoc : public TIODSource {
     std::unique_ptr<TDicomFile> fDicomFile;
     TDicomDoc* fParent = nullptr;
     TRecordDirectory::Link fDirectory;
+    std::shared_ptr<const TFilePlaces> fPlaces;  // as the directory was at construction; null without one
     int32_t fDocType;
     std::array<char, kFolderNameSize> fFolderName{};
     TDicomDoc* fCompanion = nullptr;

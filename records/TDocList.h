@@ -32,8 +32,7 @@ class TDocListBase {
     ~TDocListBase() = default;
 };
 
-// The documents of a type that are below another one. They are destroyed with it, unless somebody holds them:
-// those settle.
+// The documents of a type that are below another one. They are destroyed with it, unless somebody holds them.
 template <typename T>
 class TDocList final : public TDocListBase {
   public:
@@ -43,7 +42,7 @@ class TDocList final : public TDocListBase {
             fDocs.FetchItemAt(position, doc);
             doc->Release();
             if (doc->IsInUse()) {
-                doc->Settle();
+                doc->OutliveParent();
             } else {
                 delete doc;
             }

@@ -16,48 +16,21 @@ constexpr size_t kLongestImageNumber = 12;
 
 }  // namespace
 
-TImageDoc::TImageDoc() : TParentDoc(kDocType) {}
+TImageDoc::TImageDoc() : TInstanceDoc(kDocType) {}
 
 TImageDoc::TImageDoc(const TDicomDataSet* record, TRecordDirectory* directory, uint32_t imageSetting)
-    : TParentDoc(kDocType, record, directory), fImageSetting(imageSetting) {
-    TImageDoc::MakeFile();
+    : TInstanceDoc(kDocType, record, directory), fImageSetting(imageSetting) {
+    FindFile();
 }
 
 TImageDoc::TImageDoc(TStoredRecord record, TRecordDirectory* directory, uint32_t imageSetting)
-    : TParentDoc(kDocType, std::move(record), directory), fImageSetting(imageSetting) {}
+    : TInstanceDoc(kDocType, std::move(record), directory), fImageSetting(imageSetting) {}
 
-void TImageDoc::MakeFile() {
-    const auto fileSpec = ReferencedFile::Find(Record(), GetDirectory());
+void TImageDoc::MakeFile(const TFilePlaces& places) {
+    const auto fileSpec = ReferencedFile::Find(Record(), places);
     if (!fileSpec) return;
-    const auto owner = reinterpret_cast<uintptr_t>(GetDirectory());
-    SetDicomFile(std::make_unique<TImageFile>(owner, *fileSpec, fImageSetting));
+    SetDicomFile(std::make_unique<TImageFile>(places.GetOwner(), *fileSpec, fImageSetting));
     ReferencedFile::HandUids(Record(), *GetDicomFile());
-}
-
-TImageDoc::~TImageDoc() = default;
-
-bool TImageDoc::GetSOPClassUID(char* buffer) {
-    return ReferencedFile::GetUid(Record(), Tags::kReferencedSOPClassUIDInFile, buffer);
-}
-
-bool TImageDoc::GetSOPInstanceUID(char* buffer) {
-    return ReferencedFile::GetUid(Record(), Tags::kReferencedSOPInstanceUIDInFile, buffer);
-}
-
-void TImageDoc::SetSOPClassUID(const char* text) {
-    ReferencedFile::SetUid(Record(), Tags::kReferencedSOPClassUIDInFile, text);
-}
-
-void TImageDoc::SetSOPInstanceUID(const char* text) {
-    ReferencedFile::SetUid(Record(), Tags::kReferencedSOPInstanceUIDInFile, text);
-}
-
-TDicomDoc* TImageDoc::CopyToDirectory(TRecordDirectory* directory, TDicomDoc* parent, bool deep,
-                                      int32_t& error) {
-    error = 0;
-    if (directory == GetDirectory()) return this;
-    const auto record = ReferencedFile::CopyRecordTo(*this, directory, ReferencedFile::kNotCopied);
-    return PlaceCopy(record.get(), directory, parent, deep, error);
 }
 
 std::unique_ptr<TDicomDoc> TImageDoc::MakeCopy(const TDicomDataSet* record, TRecordDirectory* directory) {
@@ -65,10 +38,10 @@ std::unique_ptr<TDicomDoc> TImageDoc::MakeCopy(const TDicomDataSet* record, TRec
     return std::make_unique<TImageDoc>(record, directory, setting);
 }
 
-bool TImageDoc::IsSameRecord(TDicomDoc* other) { return ReferencedFile::CountsAsSame(*this, other); }
+const char* TImageDoc::GetFallbackFileID() const { return ReferencedFile::kNotCopied; }
 
 void TImageDoc::CompleteRecord() {
-    TParentDoc::CompleteRecord();
+    TInstanceDoc::CompleteRecord();
     SetRecordType("IMAGE ");
     if (!HasElement(Tags::kInstanceNumber)) SetText(Tags::kInstanceNumber, Vr::kIS, "");
 }

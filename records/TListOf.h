@@ -60,6 +60,13 @@ class TListOf : public TRefCount {
         if (fIndex != nullptr) fIndex->erase(fIndex->find(item));
     }
 
+    // Removes every item for which the predicate is true.
+    template <typename Predicate>
+    void RemoveItemsIf(Predicate predicate) {
+        std::erase_if(fItems, predicate);
+        fIndex.reset();
+    }
+
     void RemoveAllItems() {
         fItems.clear();
         fIndex.reset();

@@ -1,5 +1,6 @@
 #include "records/TPatientDoc.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "records/TStudyDoc.h"
@@ -7,9 +8,6 @@
 namespace Vantor {
 
 namespace {
-
-// The directory type that gives each study a folder, and a companion that tells which.
-constexpr int32_t kExamLayout = 1;
 
 // How many documents of a type are a number of levels below a document.
 int32_t CountBelow(TDicomDoc& doc, int32_t docType) {
@@ -55,13 +53,19 @@ bool TPatientDoc::IsSameRecord(TDicomDoc* other) {
 void TPatientDoc::RemoveChild(TDicomDoc* child) {
     TRecordDirectory* const directory = GetDirectory();
     const bool isStudy = child != nullptr && child->GetDirectory() == directory && fStudies.Has(child);
-    TDicomDoc* const companion = isStudy ? child->GetCompanionDoc() : nullptr;
-    if (companion != nullptr && directory != nullptr && directory->GetDirectoryType() == kExamLayout &&
-        fPrivateDocs.Has(companion)) {
-        directory->KeepDoc(companion);
-        TParentDoc::RemoveChild(companion);
+    if (isStudy && directory != nullptr && directory->GetDirectoryType() == TRecordDirectory::kExamLayout) {
+        RemoveCompanion(child->GetCompanionDoc(), *directory);
     }
     TParentDoc::RemoveChild(child);
+}
+
+// The companion may be gone by now: it is looked for, and looked at only when it is found.
+void TPatientDoc::RemoveCompanion(const TDicomDoc* companion, TRecordDirectory& directory) {
+    const TListOf<TPrivateDoc>& docs = *GetPrivateDocs();
+    const auto found = std::find(docs.begin(), docs.end(), companion);
+    if (found == docs.end()) return;
+    directory.KeepDoc(*found);
+    TParentDoc::RemoveChild(*found);
 }
 
 void TPatientDoc::CompleteRecord() {

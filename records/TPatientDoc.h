@@ -21,7 +21,8 @@ class TPatientDoc final : public TParentDoc {
     // has a name.
     bool IsSameRecord(TDicomDoc* other) override;
 
-    // In an exam layout, a study's companion goes with it.
+    // In an exam layout, a study's companion goes with it: to the directory, which keeps it until it is read
+    // again.
     void RemoveChild(TDicomDoc* child) override;
 
     // Throws TException 102 "No Patient ID".
@@ -45,6 +46,8 @@ class TPatientDoc final : public TParentDoc {
     ChildLists GetChildLists() override;
 
   private:
+    void RemoveCompanion(const TDicomDoc* companion, TRecordDirectory& directory);
+
     TDocList<TPrivateDoc> fPrivateDocs;
     TDocList<TStudyDoc> fStudies;
 };

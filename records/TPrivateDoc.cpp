@@ -10,13 +10,15 @@ TPrivateDoc::TPrivateDoc() : TLeafDoc(kDocType) {}
 
 TPrivateDoc::TPrivateDoc(const TDicomDataSet* record, TRecordDirectory* directory)
     : TLeafDoc(kDocType, record, directory) {
-    TPrivateDoc::MakeFile();
+    FindFile();
 }
 
 TPrivateDoc::TPrivateDoc(TStoredRecord record, TRecordDirectory* directory)
     : TLeafDoc(kDocType, std::move(record), directory) {}
 
-void TPrivateDoc::MakeFile() { SetDicomFile(ReferencedFile::MakePlainFile(Record(), GetDirectory())); }
+void TPrivateDoc::MakeFile(const TFilePlaces& places) {
+    SetDicomFile(ReferencedFile::MakePlainFile(Record(), places));
+}
 
 TDicomDoc* TPrivateDoc::CopyToDirectory(TRecordDirectory* directory, TDicomDoc* parent, bool deep,
                                         int32_t& error) {

@@ -19,7 +19,7 @@ class TPrivateDoc final : public TLeafDoc {
     void CompleteRecord() override;
 
   protected:
-    void MakeFile() override;
+    void MakeFile(const TFilePlaces& places) override;
     std::unique_ptr<TDicomDoc> MakeCopy(const TDicomDataSet* record, TRecordDirectory* directory) override;
 };
 

@@ -8,8 +8,12 @@ TRawDataDoc::TRawDataDoc() : TLeafDoc(kDocType) {}
 
 TRawDataDoc::TRawDataDoc(const TDicomDataSet* record, TRecordDirectory* directory)
     : TLeafDoc(kDocType, record, directory) {
-    SetDicomFile(ReferencedFile::MakePlainFile(Record(), directory));
+    FindFile();
     ReferencedFile::HandUids(Record(), *this);
+}
+
+void TRawDataDoc::MakeFile(const TFilePlaces& places) {
+    SetDicomFile(ReferencedFile::MakePlainFile(Record(), places));
 }
 
 TDicomDoc* TRawDataDoc::CopyToDirectory(TRecordDirectory* directory, TDicomDoc* parent, bool deep,

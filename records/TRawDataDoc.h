@@ -13,12 +13,13 @@ class TRawDataDoc final : public TLeafDoc {
     TRawDataDoc();
     TRawDataDoc(const TDicomDataSet* record, TRecordDirectory* directory);
 
-    // As TImageDoc::CopyToDirectory.
+    // As TInstanceDoc::CopyToDirectory of an image.
     TDicomDoc* CopyToDirectory(TRecordDirectory* directory, TDicomDoc* parent, bool deep,
                                int32_t& error) override;
     void CompleteRecord() override;
 
   protected:
+    void MakeFile(const TFilePlaces& places) override;
     std::unique_ptr<TDicomDoc> MakeCopy(const TDicomDataSet* record, TRecordDirectory* directory) override;
 };
 

@@ -2,10 +2,11 @@
 
 #include <cstdint>
 #include <memory>
-#include <string_view>
 
 #include "dicom/TDicomFile.h"
 #include "dicom/TFileSpec.h"
+#include "records/TFilePlaces.h"
+#include "records/TListOf.h"
 
 namespace Vantor {
 
@@ -19,8 +20,12 @@ class TRecordDirectory {
     TRecordDirectory(const TRecordDirectory&) = delete;
     TRecordDirectory& operator=(const TRecordDirectory&) = delete;
 
-    // The full path of a file that a record names by its file ID. Empty when there can be none.
-    virtual void MakeFileSpec(std::string_view fileID, TFileSpec& fileSpec) = 0;
+    // The directory types that documents know: how files are named and put into folders.
+    static constexpr int32_t kStandardLayout = 0;
+    static constexpr int32_t kExamLayout = 1;
+
+    // Where the directory's files are.
+    virtual std::shared_ptr<const TFilePlaces> GetFilePlaces() = 0;
 
     // The file ID of a full path, in a buffer of TFileSpec::kPathSize characters, NUL-terminated, and its
     // length.
@@ -29,7 +34,7 @@ class TRecordDirectory {
     // Free space on the directory's volume, in units of 1,024 bytes.
     virtual double GetAvailableSpace() = 0;
 
-    // How the directory lays out its folders: one of TDicomDirectory's types.
+    // The layout, or another number that means neither.
     virtual int32_t GetDirectoryType() const = 0;
 
     // What the directory passes on to its image files.
@@ -39,6 +44,9 @@ class TRecordDirectory {
     // again and gives the count back. Private documents have no list.
     virtual void RegisterDoc(TDicomDoc* doc) = 0;
     virtual void RemoveDoc(TDicomDoc* doc) = 0;
+
+    // Does RemoveDoc for each of many, in a time that grows with their number and the lists' together.
+    virtual void RemoveDocs(const TListOf<TDicomDoc>& docs) = 0;
 
     // Takes in a document that has lost its place in the tree, so that it goes when the tree goes.
     virtual void KeepDoc(TDicomDoc* doc) = 0;

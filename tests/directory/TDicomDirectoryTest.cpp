@@ -49,6 +49,8 @@ TEST_F(TDicomDirectoryTest, OpensWithItsNameAndMakesTheImageFolder) {
     fDirectory->GetDirName(name, sizeof(name));
     EXPECT_STREQ(name, "a name of twenty");
     EXPECT_EQ(TextOf(*fDirectory->GetDataSet(), Tags::kFileSetID), "A NAME OF TWENTY CHR");
+    fDirectory->RefreshDocs();
+    EXPECT_EQ(TreesOf(*fDirectory), kTree) << "the records have moved";
 }
 
 TEST_F(TDicomDirectoryTest, EmptyAndUnreadableOnes) {
@@ -82,6 +84,7 @@ TEST_F(TDicomDirectoryTest, IsCreatedInEitherLayout) {
 TEST_F(TDicomDirectoryTest, DetectsTheExamLayout) {
     const std::tuple<const char*, const char*> folders[] = {{"\\EXAMS\\EXAM0003", "EXAM0003"},
                                                             {"\\EXAMS\\..", ""},
+                                                            {"\\EXAMS\\...", ""},
                                                             {"\\EXAMS\\A NAME OF 16 CHR", ""},
                                                             {"C:", ""}};
     for (const auto& [path, name] : folders) {
@@ -120,6 +123,7 @@ TEST_F(TDicomDirectoryTest, DocumentsOfHoldersOutliveARefreshAndTheDirectory) {
     EXPECT_EQ(fDirectory->FindDoc(series), FirstSeries());
     fDirectory.reset();
     EXPECT_EQ(series->GetDirectory(), nullptr);
+    EXPECT_EQ((*series->GetRawDataDocs()->begin())->GetParentObj(), series);
     EXPECT_EQ((*series->GetImageDocs()->begin())->GetDicomFile()->GetFileSpec()->fPath,
               fFolder.PathOf("IMAGES/4"));
     series->Release();
@@ -141,6 +145,8 @@ TEST_F(TDicomDirectoryTest, RereadsWhatAnotherProgramHasWritten) {
     rewrite(Bytes(3));
     EXPECT_FALSE(fDirectory->ReloadIfChanged());
     EXPECT_EQ(FirstPatient(), patient) << "the old documents stay";
+    fDirectory->RefreshDocs();
+    EXPECT_EQ(TreesOf(*fDirectory), kTree) << "and can be made anew";
     EXPECT_FALSE(fDirectory->IsOpen());
     DirectoryBuilder media = Medium();
     media.AddPatient(7);
@@ -211,6 +217,38 @@ TEST_F(TDicomDirectoryTest, TakesInDocumentsOfAnotherDirectory) {
     EXPECT_EQ(fDirectory->FindOrCreateDoc(&loose, fError)->GetParentObj(), nullptr);
     EXPECT_EQ(TextOf(*(*fDirectory->GetRawDataDocs()->begin())->GetDataSet(), Tags::kReferencedFileID),
               "NOT_COPIED");
+}
+
+// A copy that was made and never put into place would keep its parent for ever.
+TEST_F(TDicomDirectoryTest, CopiesWithoutAPlaceGoWithTheDirectory) {
+    fDirectory = Load(fFolder, Medium().Build());
+    const TestFolder otherFolder;
+    const auto other = Load(otherFolder, Medium().Build());
+    for (TDicomDoc* doc : {static_cast<TDicomDoc*>(*other->GetImageDocs()->begin()),
+                           static_cast<TDicomDoc*>(*other->GetRawDataDocs()->begin())}) {
+        EXPECT_EQ(doc->CopyToDirectory(fDirectory.get(), FirstSeries(), true, fError)->GetParentObj(),
+                  FirstSeries());
+    }
+    EXPECT_EQ(fDirectory->GetImageDocs()->GetCount(), 3);
+}
+
+// A stranger's record may name any file; only the medium's own may be removed.
+TEST_F(TDicomDirectoryTest, FilesElsewhereAreNotRemoved) {
+    fFolder.MakeFolder("CD");
+    const std::string victim = fFolder.WriteFile("VICTIM", Bytes(1023));
+    DirectoryBuilder media;
+    const int series = media.AddSeries(media.AddStudy(media.AddPatient(1), 2), 3);
+    for (const std::string& fileID : {std::string("..\\VICTIM"), std::string("X\\..\\..\\VICTIM"), victim}) {
+        media.Keys(media.Add(series, "IMAGE "))
+            .Text(Tags::kReferencedFileID, Vr::kCS, fileID)
+            .Text(Tags::kReferencedSOPClassUIDInFile, Vr::kUI, "1.2");
+    }
+    fFolder.WriteFile("CD/DICOMDIR", media.Build());
+    TDicomDirectory directory(TFileSpec(fFolder.PathOf("CD/DICOMDIR")), 0);
+    TPatientDoc& patient = **directory.GetPatientDocs()->begin();
+    EXPECT_GE(patient.GetDiskSpace(), 1) << "reading it is no harm";
+    patient.DeleteFilesFromDisk();
+    EXPECT_EQ(fFolder.ListFiles(), (std::vector<std::string>{"CD/DICOMDIR", "VICTIM"}));
 }
 
 // Against the passes that hosts know, in which a pair without numbers is left as it is.

@@ -10,6 +10,18 @@ namespace VantorTest {
 
 using namespace Vantor;
 
+class Streams final : public TFilePlaces {
+  public:
+    explicit Streams(MemoryStorage& storage) : TFilePlaces(1), fStorage(storage) {}
+    TFileSpec Find(std::string_view fileID) const override {
+        return TFileSpec(fileID.substr(0, fileID.find_last_not_of(' ') + 1), &fStorage);
+    }
+    bool IsInside(const TFileSpec& fileSpec) const override { return fileSpec.fPath[0] != '.'; }
+
+  private:
+    MemoryStorage& fStorage;
+};
+
 // A directory as its documents know it. Its files are streams in memory, named by their file IDs.
 class FakeDirectory final : public TRecordDirectory {
   public:
@@ -17,8 +29,8 @@ class FakeDirectory final : public TRecordDirectory {
         for (TDicomDoc* doc : fDocs) fKept.insert(fKept.end(), doc->GetParentObj() == nullptr ? 1 : 0, doc);
         for (TDicomDoc* doc : fKept) doc->Discard();
     }
-    void MakeFileSpec(std::string_view fileID, TFileSpec& fileSpec) override {
-        fileSpec = TFileSpec(fileID.substr(0, fileID.find_last_not_of(' ') + 1), &fStorage);
+    std::shared_ptr<const TFilePlaces> GetFilePlaces() override {
+        return std::make_shared<const Streams>(fStorage);
     }
     void MakeRelativeFileID(char* buffer, uint32_t& length, const TFileSpec& fileSpec) override {
         length = static_cast<uint32_t>(("HERE\\" + std::string(fileSpec.fPath)).copy(buffer, 100));
@@ -31,6 +43,9 @@ class FakeDirectory final : public TRecordDirectory {
     }
     void RemoveDoc(TDicomDoc* doc) override {
         if (std::erase(fDocs, doc) > 0) doc->Release();
+    }
+    void RemoveDocs(const TListOf<TDicomDoc>& docs) override {
+        for (TDicomDoc* doc : docs) RemoveDoc(doc);
     }
     void KeepDoc(TDicomDoc* doc) override { fKept.push_back(doc); }
     std::unique_ptr<TDicomFile> TakeRegisteredFile(const char* classUID, const char* uid) override {

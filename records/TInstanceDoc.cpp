@@ -1,0 +1,42 @@
+#include "records/TInstanceDoc.h"
+
+#include "dicom/TTextUtil.h"
+#include "records/ReferencedFile.h"
+
+namespace Vantor {
+
+bool TInstanceDoc::GetSOPClassUID(char* buffer) {
+    return ReferencedFile::GetUid(Record(), Tags::kReferencedSOPClassUIDInFile, buffer);
+}
+
+bool TInstanceDoc::GetSOPInstanceUID(char* buffer) {
+    return ReferencedFile::GetUid(Record(), Tags::kReferencedSOPInstanceUIDInFile, buffer);
+}
+
+void TInstanceDoc::SetSOPClassUID(const char* text) {
+    ReferencedFile::SetUid(Record(), Tags::kReferencedSOPClassUIDInFile, text);
+}
+
+void TInstanceDoc::SetSOPInstanceUID(const char* text) {
+    ReferencedFile::SetUid(Record(), Tags::kReferencedSOPInstanceUIDInFile, text);
+}
+
+TDicomDoc* TInstanceDoc::CopyToDirectory(TRecordDirectory* directory, TDicomDoc* parent, bool deep,
+                                         int32_t& error) {
+    error = 0;
+    if (directory == GetDirectory()) return this;
+    const auto record = ReferencedFile::CopyRecordTo(*this, directory, GetFallbackFileID());
+    return PlaceCopy(record.get(), directory, parent, deep, error);
+}
+
+bool TInstanceDoc::IsSameRecord(TDicomDoc* other) {
+    if (other == this || other == nullptr || other->GetDocType() != GetDocType()) return true;
+    TUidText mine[2];
+    TUidText others[2];
+    return GetSOPInstanceUID(mine[0].fText) && GetSOPClassUID(mine[1].fText) &&
+           other->GetSOPInstanceUID(others[0].fText) && other->GetSOPClassUID(others[1].fText) &&
+           TTextUtil().EqualStrings(mine[0].fText, others[0].fText) &&
+           TTextUtil().EqualStrings(mine[1].fText, others[1].fText);
+}
+
+}  // namespace Vantor
