@@ -1,4 +1,4 @@
-// Loading a DICOMDIR by the number of its patients, each with one study of ten series of a hundred images:
+// Loading a DICOMDIR by the number of its patients, each with one study of ten series of 110 images:
 // 1,112, 11,120 and 111,200 records. Sorting images that are in reverse order.
 
 #include <benchmark/benchmark.h>
@@ -15,7 +15,7 @@ using namespace Vantor;
 using namespace VantorTest;
 
 constexpr int kSeriesInStudy = 10;
-constexpr int kImagesInSeries = 100;
+constexpr int kImagesInSeries = 110;
 
 std::string Medium(const TestFolder& folder, int patients) {
     DirectoryBuilder media;

@@ -13,8 +13,8 @@ mapfile -t scripts < <(find tests/interop -maxdepth 1 -type f -name '*.py' -exec
 [ ${#scripts[@]} -gt 0 ] || fail "no executable scripts in tests/interop"
 failed=()
 for preset in release sanitize; do
-    build "$preset" vantor_cli
-    export VANTOR=$PWD/build/$preset/bin/vantor
+    build "$preset" vantor_cli directory_tree
+    export VANTOR=$PWD/build/$preset/bin/vantor DIRECTORY_TREE=$PWD/build/$preset/bin/directory_tree
     for script in "${scripts[@]}"; do
         echo "== $script with $VANTOR"
         timeout 600 /usr/bin/python3 "$script" || failed+=("$script ($preset)")
