@@ -228,7 +228,7 @@ void RecordLoader::PutInPlace(std::unique_ptr<TDicomDoc>& doc, TDicomDoc* parent
     if (parent == nullptr) {
         fRootDocs.push_back(std::move(doc));
     } else if (parent->AddChild(doc.get(), nullptr, true, error)) {
-        doc.release();  // the parent's now
+        static_cast<void>(doc.release());  // the parent's now
     }
 }
 

@@ -149,7 +149,7 @@ void TDicomDirectory::RefreshDocs() {
     const int64_t dataSetStart = fMetaDataSet == nullptr ? fDataOffset : GetHeaderSize();
     RecordLoader loader(*fDataSet, dataSetStart - fRecordShift, *this);
     loader.Load();
-    for (auto& stray : loader.TakeStrayDocs()) KeepDoc(stray.release());
+    for (auto& stray : loader.TakeStrayDocs()) TDicomDirectory::KeepDoc(stray.release());
     FillLists(loader.TakeRootDocs());
     DetectExamLayout();
 }
