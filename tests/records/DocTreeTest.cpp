@@ -1,5 +1,6 @@
 // Who counts whom, and who goes when: the sanitizers tell what is left behind or goes twice.
 
+#include "records/TDicomDirRec.h"
 #include "records/TPatientDoc.h"
 #include "records/TSeriesDoc.h"
 #include "records/TStudyDoc.h"
@@ -132,6 +133,24 @@ TEST_F(DocTreeTest, ListsCountFromOne) {
     EXPECT_TRUE(list.FindItem(fReport) == 1 && list.HasItem(fReport));
     list.RemoveItem(fReport);
     EXPECT_FALSE(list.HasItem(fReport));
+}
+
+TEST_F(DocTreeTest, RecordsCountTheirSourcesAndCollectThoseOfAChain) {
+    TListOf<TIODSource> sources;
+    {
+        TDicomDirRec first(fImage), second(fReport), third(nullptr), fourth(fRawData);
+        EXPECT_EQ(fReport->GetRefCount(), 2U);
+        first.SetNext(&second);
+        second.SetNext(&third);
+        third.SetNext(&fourth);
+        first.CollectSources(sources);
+        EXPECT_EQ(sources.GetCount(), 2) << "up to the one without source";
+        second.SetNext(&first);
+        first.CollectSources(sources);
+        EXPECT_EQ(sources.GetCount(), 4) << "a ring ends where it began";
+    }
+    EXPECT_TRUE(*sources.begin() == fImage && *sources.rbegin() == fReport);
+    EXPECT_EQ(fReport->GetRefCount(), 1U);
 }
 
 TEST_F(DocTreeTest, AStudysCompanionGoesWithItInTheExamLayout) {
