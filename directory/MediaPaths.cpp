@@ -1,5 +1,7 @@
 #include "directory/MediaPaths.h"
 
+#include <algorithm>
+
 #include "platform/Ascii.h"
 
 namespace Vantor {
@@ -10,6 +12,11 @@ constexpr std::string_view kDirectoryFileName = "DICOMDIR";
 constexpr char kFileIDSeparator = '\\';
 constexpr std::string_view kPadding(" \0", 2);
 
+// Windows drops dots and blanks at the end of a name, so more than two may mean the folder above as well.
+bool ClimbsOut(std::string_view name) {
+    return name.size() > 1 && name.front() == '.' && name.find_first_not_of(". ") == std::string_view::npos;
+}
+
 }  // namespace
 
 MediaPaths::MediaPaths(const Platform::PathStyle& style, std::string_view directoryPath, bool isFolder)
@@ -19,7 +26,7 @@ MediaPaths::MediaPaths(const Platform::PathStyle& style, std::string_view direct
     const size_t position = Platform::UpperCased(directoryPath).find(kDirectoryFileName, nameStart);
     fHasDICOMDIR = position != std::string::npos && !isFolder;
     if (fHasDICOMDIR) fFolder.resize(position);
-    if (!fFolder.empty() && !style.IsSeparator(fFolder.back())) fFolder += style.GetSeparator();
+    if (!fFolder.empty() && !style.EndsFolder(fFolder)) fFolder += style.GetSeparator();
 }
 
 std::string MediaPaths::MakeFullPath(std::string_view fileID) const {
@@ -34,8 +41,15 @@ std::string MediaPaths::MakeFileID(std::string_view path) const {
 }
 
 bool MediaPaths::IsInside(std::string_view path) const {
-    const std::string fileID = kFileIDSeparator + MakeFileID(path) + kFileIDSeparator;
-    return fileID.size() > 2 && fileID.find("\\..\\") == std::string::npos;
+    const std::string fileID = MakeFileID(path);
+    const bool startsAgain = fFolder.empty() && fStyle.IsFullPath(path);
+    if (fileID.empty() || startsAgain || fileID.front() == kFileIDSeparator) return false;
+    for (size_t start = 0; start <= fileID.size();) {
+        const size_t end = std::min(fileID.find(kFileIDSeparator, start), fileID.size());
+        if (ClimbsOut(std::string_view(fileID).substr(start, end - start))) return false;
+        start = end + 1;
+    }
+    return true;
 }
 
 std::string MediaPaths::MakeImageFolderPath(std::string_view imageFolderName) const {

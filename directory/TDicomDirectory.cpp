@@ -196,39 +196,47 @@ void TDicomDirectory::RestoreExamFolderName(TStudyDoc& study) {
 
 // ---- Clearing ----
 
+// A copy that was made for a parent but never put below it would keep that parent in use. It is held by its
+// list here and by nobody else. From the lowest level up, as the parent may be such a copy itself.
+void TDicomDirectory::LeaveFalseParents() {
+    const auto leave = [](const auto& list) {
+        for (TDicomDoc* doc : list) {
+            TListOf<TDicomDoc> children;
+            if (doc->GetParentObj() != nullptr) doc->GetChildDocs(children, true);
+            const auto listedOnlyHere = static_cast<uint32_t>(children.GetCount()) + 1;
+            if (doc->GetRefCount() == listedOnlyHere) doc->LeaveParent();
+        }
+    };
+    for (auto docType = std::rbegin(kListedTypes); docType != std::rend(kListedTypes); ++docType) {
+        WithListOf(*docType, leave);
+    }
+}
+
 template <typename T>
 void TDicomDirectory::ClearList(TListOf<T>& list, HeldDocs& withoutParent) {
     for (auto doc = list.rbegin(); doc != list.rend(); ++doc) {
         (*doc)->Release();
-        // Whoever is below another document is in use by that one's list at least.
-        if (!(*doc)->IsInUse()) withoutParent.push_back(*doc);
+        if ((*doc)->GetParentObj() == nullptr) withoutParent.push_back(*doc);
     }
     list.RemoveAllItems();
 }
 
-// What is below a patient goes with it; documents that are below none, also where they count one as their
-// parent, have to be looked after one by one.
+// What is below a patient goes with it; documents that are below none have to be looked after one by one.
 void TDicomDirectory::ClearLists() {
+    LeaveFalseParents();
     HeldDocs withoutParent;
     ClearList(fStudyDocs, withoutParent);
     ClearList(fSeriesDocs, withoutParent);
     ClearList(fImageDocs, withoutParent);
     // Raw data keep the list's count, and so live on until the directory goes: hosts hold on to raw data
     // across a refresh without counting them.
-    for (TRawDataDoc* doc : fRawDataDocs) {
-        const bool isListedOnlyHere = doc->GetRefCount() == 1;
-        if (isListedOnlyHere) doc->LeaveParent();
-        fRetiredDocs.push_back(doc);
-    }
+    fRetiredDocs.insert(fRetiredDocs.end(), fRawDataDocs.begin(), fRawDataDocs.end());
     fRawDataDocs.RemoveAllItems();
     ClearList(fSRDocs, withoutParent);
-    for (TDicomDoc* doc : withoutParent) {
-        doc->LeaveParent();
-        delete doc;
-    }
     HeldDocs patients(fPatientDocs.rbegin(), fPatientDocs.rend());
     fPatientDocs.RemoveAllItems();
     Drop(patients);
+    for (TDicomDoc* doc : withoutParent) DestroyUnlessHeld(doc);
     Drop(fOtherRootDocs);
     Drop(fPlacelessDocs);
 }
@@ -242,19 +250,18 @@ void TDicomDirectory::Drop(HeldDocs& docs) {
 }
 
 void TDicomDirectory::ClearAllDocs() {
-    while (fPatientDocs.GetCount() > 0) {
-        TPatientDoc* const patient = *fPatientDocs.rbegin();
-        RemoveDoc(patient);
-        DestroyUnlessHeld(patient);
-    }
+    LeaveFalseParents();
+    HeldDocs patients(fPatientDocs.rbegin(), fPatientDocs.rend());
+    fPatientDocs.RemoveAllItems();
+    Drop(patients);
 }
 
 void TDicomDirectory::RemoveAllDocs() {
-    while (fPatientDocs.GetCount() > 0) {
-        TPatientDoc* const patient = *fPatientDocs.rbegin();
-        KeepDoc(patient);
-        RemoveDoc(patient);
+    for (auto patient = fPatientDocs.rbegin(); patient != fPatientDocs.rend(); ++patient) {
+        KeepDoc(*patient);
+        (*patient)->Release();
     }
+    fPatientDocs.RemoveAllItems();
 }
 
 // ---- Lists ----
@@ -306,6 +313,11 @@ void TDicomDirectory::RemoveDocs(const TListOf<TDicomDoc>& docs) {
             });
         });
     }
+    std::erase_if(fOtherRootDocs, [&removed](TDicomDoc* doc) {
+        if (removed.count(doc) == 0) return false;
+        doc->Release();
+        return true;
+    });
 }
 
 void TDicomDirectory::KeepDoc(TDicomDoc* doc) {
@@ -443,14 +455,21 @@ void TDicomDirectory::GetDirName(char* buffer, uint32_t size) const {
     TTextUtil().CopyCString(fDirectoryName, buffer, size);
 }
 
+// Where the records are in the data set; 0 when there are none.
+int32_t TDicomDirectory::FindRecordSequence() const {
+    int32_t offset = 0;
+    fDataSet->FindElement(Tags::kDirectoryRecordSequence, nullptr, nullptr, nullptr, 0, &offset);
+    return offset;
+}
+
 void TDicomDirectory::SetDirName(const char* text) {
     TTextUtil().CopyCString(text, fDirectoryName, kDirectoryNameSize);
     if (fDataSet == nullptr) return;
     const uint32_t length = TTextUtil().StringLength(text);
-    const int32_t sizeBefore = fDataSet->GetDataSetSize();
+    const int32_t before = FindRecordSequence();
     fDataSet->PutElement(Tags::kFileSetID, Vr::kCS, length, text, length);
     // The offsets in the records are those of the file until it is written.
-    fRecordShift += fDataSet->GetDataSetSize() - sizeBefore;
+    fRecordShift += FindRecordSequence() - before;
 }
 
 void TDicomDirectory::GetVolumeName(char* buffer) const { std::memcpy(buffer, fVolumeName, kVolumeNameSize); }

@@ -152,9 +152,11 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
 
     const FilePlaces& GetPlaces();
     void SetImageFolderName(const char* name);
+    int32_t FindRecordSequence() const;
     void FillLists(std::vector<std::unique_ptr<TDicomDoc>> rootDocs);
     void DetectExamLayout();
     void RestoreExamFolderName(TStudyDoc& study);
+    void LeaveFalseParents();
     void ClearLists();
     template <typename T>
     void ClearList(TListOf<T>& list, HeldDocs& withoutParent);

@@ -10,7 +10,8 @@ namespace {
 
 constexpr char kFileIDSeparator = '\\';
 constexpr char kDriveEnd = ':';
-constexpr std::string_view kShareStart = "\\\\";
+constexpr std::string_view kSeparators = "\\/";
+constexpr size_t kShareStart = 2;  // behind two separators
 constexpr size_t kDriveLength = 2;
 
 }  // namespace
@@ -37,19 +38,31 @@ bool WindowsPathStyle::IsFullPath(std::string_view path) const {
     return path.find(kDriveEnd) != std::string_view::npos;
 }
 
+bool WindowsPathStyle::EndsFolder(std::string_view path) const {
+    return !path.empty() && (IsSeparator(path.back()) || path.back() == kDriveEnd);
+}
+
 std::string WindowsPathStyle::VolumeRoot(std::string_view path) const {
-    if (path.substr(0, kShareStart.size()) != kShareStart) {
+    const auto isSeparatorAt = [&](size_t index) { return index < path.size() && IsSeparator(path[index]); };
+    if (isSeparatorAt(0) && isSeparatorAt(1)) {
+        const size_t serverEnd = path.find_first_of(kSeparators, kShareStart);
+        const size_t shareEnd = path.find_first_of(
+            kSeparators, serverEnd == std::string_view::npos ? std::string_view::npos : serverEnd + 1);
+        return std::string(path.substr(0, shareEnd)) + GetSeparator();
+    }
+    if (path.size() >= kDriveLength && path[kDriveLength - 1] == kDriveEnd) {
         return std::string(path.substr(0, kDriveLength)) + GetSeparator();
     }
-    const size_t serverEnd = path.find(GetSeparator(), kShareStart.size());
-    const size_t shareEnd =
-        serverEnd == std::string_view::npos ? serverEnd : path.find(GetSeparator(), serverEnd + 1);
-    if (shareEnd == std::string_view::npos) return std::string(path) + GetSeparator();
-    return std::string(path.substr(0, shareEnd + 1));
+    // On the drive that the process is on.
+    return isSeparatorAt(0) ? "\\" : ".\\";
 }
 
 bool PosixPathStyle::IsFullPath(std::string_view path) const {
     return !path.empty() && path.front() == GetSeparator();
+}
+
+bool PosixPathStyle::EndsFolder(std::string_view path) const {
+    return !path.empty() && IsSeparator(path.back());
 }
 
 std::string PosixPathStyle::VolumeRoot(std::string_view path) const {

@@ -18,6 +18,9 @@ class PathStyle {
     // True for a path that stands for itself, whatever folder one looks from.
     virtual bool IsFullPath(std::string_view path) const = 0;
 
+    // True when a name may follow at once: behind a separator, and behind a drive.
+    virtual bool EndsFolder(std::string_view path) const = 0;
+
     // The path to ask for the space of the volume that a path is on, which ends with a separator: the drive
     // or the network share, or, where volumes are mounted anywhere, the folder that holds what the path
     // names.
@@ -44,6 +47,7 @@ class WindowsPathStyle final : public PathStyle {
     char GetSeparator() const override { return '\\'; }
     bool IsSeparator(char character) const override { return character == '\\' || character == '/'; }
     bool IsFullPath(std::string_view path) const override;
+    bool EndsFolder(std::string_view path) const override;
     std::string VolumeRoot(std::string_view path) const override;
     std::string NameToMake(std::string_view name) const override { return std::string(name); }
 };
@@ -54,6 +58,7 @@ class PosixPathStyle final : public PathStyle {
     char GetSeparator() const override { return '/'; }
     bool IsSeparator(char character) const override { return character == '/'; }
     bool IsFullPath(std::string_view path) const override;
+    bool EndsFolder(std::string_view path) const override;
     std::string VolumeRoot(std::string_view path) const override;
     std::string NameToMake(std::string_view name) const override;
 };

@@ -21,7 +21,8 @@ namespace Vantor {
 // any more; a tree destroys what is in it by the same rule, and leaves what others hold, without parent.
 //
 // Texts are 8-bit, as stored. A getter copies at most size − 1 bytes and a terminator; it is false, with an
-// empty text, when the element is absent. A setter writes at most kLongestText bytes.
+// empty text, when the element is absent. A setter writes at most kLongestText bytes,
+// and throws TException 100 when the record has no room: one that was read grows to ten times its size.
 class TDicomDoc : public TIODSource {
   public:
     // The document types, in the numbers that hosts know.
@@ -46,6 +47,7 @@ class TDicomDoc : public TIODSource {
     // `parent` as its parent and entered in the directory's list of its type, but not in the parent's. A deep
     // copy has copies of all that is below as well. Files are not copied; an instance's record names the file
     // that was registered with the directory for it. `error` is 0; a copy that cannot be made is null.
+    // Who does not add the copy to its parent's children discards it.
     virtual TDicomDoc* CopyToDirectory(TRecordDirectory* directory, TDicomDoc* parent, bool deep,
                                        int32_t& error) = 0;
 

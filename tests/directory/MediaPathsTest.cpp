@@ -55,4 +55,28 @@ TEST(MediaPaths, OnPosix) {
     EXPECT_EQ(MediaPaths(kPosix, "/cd/DICOMDIR", false).MakeFullPath("C:\\X"), "/cd/C:/X");
 }
 
+// A stranger's record names any path; only what is below the directory's folder for certain counts as its
+// own.
+TEST(MediaPaths, TellWhatIsInside) {
+    const std::tuple<const Platform::PathStyle*, const char*, const char*, bool> cases[] = {
+        {&kWindows, "D:\\CD\\DICOMDIR", "d:\\cd\\X\\1", true},
+        {&kWindows, "D:\\CD\\DICOMDIR", "D:\\CD\\..\\X", false},
+        {&kWindows, "D:\\CD\\DICOMDIR", "D:\\CD\\A\\.. \\X", false},
+        {&kWindows, "D:\\CD\\DICOMDIR", "D:\\CD\\A/...\\X", false},
+        {&kWindows, "D:\\CD\\DICOMDIR", "D:\\CDS\\X", false},
+        {&kWindows, "D:\\CD\\DICOMDIR", "D:\\CD\\", false},
+        {&kWindows, "DICOMDIR", "IMAGES\\1", true},
+        {&kWindows, "DICOMDIR", "C:\\WINDOWS\\X", false},
+        {&kWindows, "C:DICOMDIR", "C:IMAGES\\1", true},
+        {&kWindows, "C:DICOMDIR", "C:\\WINDOWS\\X", false},
+        {&kPosix, "/cd/DICOMDIR", "/cd/X", true},
+        {&kPosix, "/cd/DICOMDIR", "/cd/A/../../X", false},
+        {&kPosix, "/cd/DICOMDIR", "/X", false},
+        {&kPosix, "DICOMDIR", "/home/x", false},
+        {&kPosix, "DICOMDIR", "images/..x", true}};
+    for (const auto& [style, directory, path, isInside] : cases) {
+        EXPECT_EQ(MediaPaths(*style, directory, false).IsInside(path), isInside) << directory << " " << path;
+    }
+}
+
 }  // namespace

@@ -230,6 +230,7 @@ TEST_F(TDicomDirectoryTest, CopiesWithoutAPlaceGoWithTheDirectory) {
                   FirstSeries());
     }
     EXPECT_EQ(fDirectory->GetImageDocs()->GetCount(), 3);
+    fDirectory->ClearAllDocs();
 }
 
 // A stranger's record may name any file; only the medium's own may be removed.

@@ -18,9 +18,10 @@ TEST(PathStyle, KnowsVolumesAndFullPathsOfBothSystems) {
                           {"\\\\srv\\share\\x\\DICOMDIR", "\\\\srv\\share\\", "./", false, false},
                           {"\\\\srv\\share", "\\\\srv\\share\\", "./", false, false},
                           {"\\\\srv", "\\\\srv\\", "./", false, false},
-                          {"/media/cd/DICOMDIR", "/m\\", "/media/cd/", false, true},
-                          {"IMAGES\\1", "IM\\", "./", false, false},
-                          {"", "\\", "./", false, false}};
+                          {"//srv/share/DICOMDIR", "//srv/share\\", "//srv/share/", false, true},
+                          {"/media/cd/DICOMDIR", "\\", "/media/cd/", false, true},
+                          {"IMAGES\\1", ".\\", "./", false, false},
+                          {"", ".\\", "./", false, false}};
     for (const Case& c : cases) {
         EXPECT_EQ(WindowsPathStyle().VolumeRoot(c.fPath), c.fWindowsRoot) << c.fPath;
         EXPECT_EQ(PosixPathStyle().VolumeRoot(c.fPath), c.fPosixRoot) << c.fPath;
