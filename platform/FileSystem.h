@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 // Every path that the platform takes is 8-bit text (see CodePage) with the platform's own separators. Names
 // are found without regard to the case of ASCII letters on every platform: a path that does not exist as
@@ -27,11 +28,32 @@ bool PathExists(const std::string& path);
 // True when the path names an existing folder.
 bool IsFolder(const std::string& path);
 
+// True when the path names a link, to anything or nothing, itself.
+bool IsLink(const std::string& path);
+
 // True when both paths name the same existing file, however they are spelled.
 bool IsSameFile(const std::string& first, const std::string& second);
 
 // Makes a folder in an existing one. Throws FileException, also when there is something of that name already.
 void CreateFolder(const std::string& path);
+
+// What a folder holds, itself and the folder above it left out.
+struct FolderEntry {
+    enum class Kind { kFile, kFolder, kLink, kOther };
+
+    std::string fName;
+    Kind fKind = Kind::kOther;  // of the entry itself: a link to a folder is a link
+};
+
+// The entries of a folder in the order of their names, byte by byte. None when it cannot be read.
+std::vector<FolderEntry> ListFolder(const std::string& path);
+
+// Removes an empty folder. Throws FileException, also when it holds something.
+void RemoveFolder(const std::string& path);
+
+// Removes a folder with all that is in it, as far as that goes; what cannot be removed stays, without
+// failure. Links are removed themselves: what they lead to is left alone.
+void RemoveFolderTree(const std::string& path);
 
 // The bytes that this user may still write on the volume that holds an existing file or folder; 0 when that
 // cannot be told.

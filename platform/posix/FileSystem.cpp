@@ -1,10 +1,14 @@
 #include "platform/FileSystem.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <memory>
 
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/PathLookup.h"
@@ -27,6 +31,22 @@ constexpr std::string_view kTemporarySuffix = ".tmp";
 bool GetState(const std::string& path, struct stat& state) {
     return WithPathOnDisk(path, [&](const char* spelled) { return stat(spelled, &state); }) == 0;
 }
+
+FolderEntry::Kind KindOf(const std::string& path) {
+    struct stat state = {};
+    if (lstat(path.c_str(), &state) != 0) {
+        return FolderEntry::Kind::kOther;
+    }
+    if (S_ISLNK(state.st_mode)) {
+        return FolderEntry::Kind::kLink;
+    }
+    if (S_ISDIR(state.st_mode)) {
+        return FolderEntry::Kind::kFolder;
+    }
+    return S_ISREG(state.st_mode) ? FolderEntry::Kind::kFile : FolderEntry::Kind::kOther;
+}
+
+bool IsNamedBefore(const FolderEntry& first, const FolderEntry& second) { return first.fName < second.fName; }
 
 std::string TemporaryFolder() {
     const char* const folder = std::getenv(kTemporaryFolderVariable);
@@ -55,6 +75,12 @@ bool IsFolder(const std::string& path) {
     return GetState(path, state) && S_ISDIR(state.st_mode);
 }
 
+bool IsLink(const std::string& path) {
+    struct stat state = {};
+    const auto look = [&](const char* spelled) { return lstat(spelled, &state); };
+    return WithPathOnDisk(path, look) == 0 && S_ISLNK(state.st_mode);
+}
+
 bool IsSameFile(const std::string& first, const std::string& second) {
     struct stat firstState = {};
     struct stat secondState = {};
@@ -72,6 +98,29 @@ void CreateFolder(const std::string& path) {
         ThrowPathError(errno, path);
     }
     NoteAdded(found.fPath);
+}
+
+std::vector<FolderEntry> ListFolder(const std::string& path) {
+    const std::string folder = LookUpPath(path).fPath;
+    const std::unique_ptr<DIR, int (*)(DIR*)> stream(opendir(folder.c_str()), closedir);
+    std::vector<FolderEntry> entries;
+    if (stream == nullptr) {
+        return entries;
+    }
+    while (const dirent* const found = readdir(stream.get())) {
+        const std::string_view name = found->d_name;
+        if (name != "." && name != "..") {
+            entries.push_back({std::string(name), KindOf(folder + "/" + found->d_name)});
+        }
+    }
+    std::sort(entries.begin(), entries.end(), IsNamedBefore);
+    return entries;
+}
+
+void RemoveFolder(const std::string& path) {
+    if (WithPathOnDisk(path, rmdir) != 0) {
+        ThrowPathError(errno, path);
+    }
 }
 
 uint64_t GetFreeBytes(const std::string& path) {

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <array>
 
 #include "platform/windows/Handle.h"
@@ -18,6 +19,16 @@ std::optional<WIN32_FILE_ATTRIBUTE_DATA> GetAttributes(const std::string& path) 
     }
     return attributes;
 }
+
+FolderEntry::Kind KindOf(DWORD attributes) {
+    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) {
+        return FolderEntry::Kind::kLink;
+    }
+    return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? FolderEntry::Kind::kFolder
+                                                        : FolderEntry::Kind::kFile;
+}
+
+bool IsNamedBefore(const FolderEntry& first, const FolderEntry& second) { return first.fName < second.fName; }
 
 // What tells one file of the machine from all others.
 std::optional<BY_HANDLE_FILE_INFORMATION> GetIdentity(const std::string& path) {
@@ -49,6 +60,11 @@ bool IsFolder(const std::string& path) {
     return attributes && (attributes->dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
+bool IsLink(const std::string& path) {
+    const auto attributes = GetAttributes(path);
+    return attributes && (attributes->dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+}
+
 bool IsSameFile(const std::string& first, const std::string& second) {
     const auto firstFile = GetIdentity(first);
     const auto secondFile = GetIdentity(second);
@@ -59,6 +75,30 @@ bool IsSameFile(const std::string& first, const std::string& second) {
 
 void CreateFolder(const std::string& path) {
     if (!CreateDirectoryA(path.c_str(), nullptr)) {
+        ThrowLastError(path);
+    }
+}
+
+std::vector<FolderEntry> ListFolder(const std::string& path) {
+    std::vector<FolderEntry> entries;
+    WIN32_FIND_DATAA found = {};
+    const HANDLE search = FindFirstFileA((path + "\\*").c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) {
+        return entries;
+    }
+    do {
+        const std::string name = found.cFileName;
+        if (name != "." && name != "..") {
+            entries.push_back({name, KindOf(found.dwFileAttributes)});
+        }
+    } while (FindNextFileA(search, &found));
+    FindClose(search);
+    std::sort(entries.begin(), entries.end(), IsNamedBefore);
+    return entries;
+}
+
+void RemoveFolder(const std::string& path) {
+    if (!RemoveDirectoryA(path.c_str())) {
         ThrowLastError(path);
     }
 }

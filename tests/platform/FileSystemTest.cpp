@@ -48,6 +48,24 @@ TEST(LastWriteTime, CountsIn100NanosecondsSince1601) {
     EXPECT_EQ(GetLastWriteTime(path), (FileTime{static_cast<uint32_t>(kStartOf2001), kStartOf2001 >> 32}));
 }
 
+// With all that is in it, in any case; what a link leads to stays.
+TEST(FileSystem, RemovesAFolderWithoutFollowingLinksOutOfIt) {
+    const TestFolder folder;
+    folder.WriteFile("EXAMS/EXAM0000/Images/1", "x");
+    folder.WriteFile("EXAMS/EXAM0000/2", "x");
+    folder.WriteFile("OTHER/3", "x");
+    std::error_code error;
+    fs::create_directory_symlink(folder.PathOf("OTHER"), folder.PathOf("EXAMS/EXAM0000/LINK"), error);
+    fs::create_directory_symlink(folder.PathOf("OTHER"), folder.PathOf("EXAMS/EXAM0001"), error);
+    EXPECT_NE(FailureOf([&] { RemoveFolder(folder.PathOf("EXAMS/EXAM0000")); }), "nothing");
+    RemoveFolderTree(folder.PathOf("EXAMS/exam0000"));
+    RemoveFolderTree(folder.PathOf("EXAMS/EXAM0001"));
+    RemoveFolderTree(folder.PathOf("MISSING"));
+    EXPECT_EQ(folder.ListFiles(), Names{"OTHER/3"});
+    EXPECT_TRUE(ListFolder(folder.PathOf("EXAMS")).empty());
+    EXPECT_TRUE(ListFolder(folder.PathOf("OTHER/3")).empty());
+}
+
 TEST(FileSystem, MakesFoldersInExistingOnesOnly) {
     const TestFolder folder;
     const std::string path = folder.PathOf("IMAGESDC");
