@@ -52,6 +52,11 @@ bool MediaPaths::IsInside(std::string_view path) const {
     return true;
 }
 
+std::string MediaPaths::MakePathOnVolume(std::string_view path) const {
+    const auto driveEnd = fStyle.DriveEnd(path);
+    return driveEnd ? fStyle.ToFileID(path.substr(*driveEnd)) : kFileIDSeparator + MakeFileID(path);
+}
+
 std::string MediaPaths::MakeImageFolderPath(std::string_view imageFolderName) const {
     if (!fHasDICOMDIR || fFolder.size() <= 1) return {};
     std::string_view folder = fFolder;

@@ -26,6 +26,10 @@ class MediaPaths {
     // True for a path below the directory's folder that does not climb out of it again.
     bool IsInside(std::string_view path) const;
 
+    // A full path as records keep it, with backslashes and one in front: behind the drive, or, without one,
+    // from the directory's folder on.
+    std::string MakePathOnVolume(std::string_view path) const;
+
     // The full path of the image folder, whose name starts with a backslash. Empty when the directory's path
     // is a name alone.
     std::string MakeImageFolderPath(std::string_view imageFolderName) const;

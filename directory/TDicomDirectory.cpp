@@ -7,6 +7,7 @@
 
 #include "dicom/TException.h"
 #include "dicom/TTextUtil.h"
+#include "directory/ExamFolder.h"
 #include "directory/MediaPaths.h"
 #include "directory/RecordLoader.h"
 #include "platform/FileException.h"
@@ -29,18 +30,6 @@ constexpr int32_t kListedTypes[] = {TDicomDoc::kPatient, TDicomDoc::kStudy,   TD
 
 constexpr double kBytesPerKilobyte = 1024.0;
 constexpr uint32_t kLongestSeriesNumber = 64;
-constexpr uint32_t kLongestExamFolder = 256;
-
-// The last name of a folder's path; none where it is not the plain name of a folder. Windows takes a name of
-// dots, or with dots or blanks at its end, for another one.
-std::optional<std::string> LastFolderName(std::string path) {
-    path.erase(path.find_last_not_of(' ') + 1);
-    const std::string name = path.substr(path.find_last_of("\\/") + 1);
-    const bool isPlain =
-        !name.empty() && name.back() != '.' && name.find_first_of(":*?\"<>|") == std::string::npos;
-    if (!isPlain || name.size() >= TDicomDoc::kFolderNameSize) return std::nullopt;
-    return name;
-}
 
 void DestroyUnlessHeld(TDicomDoc* doc) {
     if (!doc->IsInUse()) delete doc;
@@ -180,17 +169,12 @@ void TDicomDirectory::FillLists(std::vector<std::unique_ptr<TDicomDoc>> rootDocs
 void TDicomDirectory::DetectExamLayout() {
     if (fStudyDocs.GetCount() == 0) return;
     const TListOf<TStudyDoc>& studies = *(*fPatientDocs.begin())->GetStudyDocs();
-    if (studies.GetCount() == 0 || !(*studies.begin())->GetDataSet()->FindElement(Tags::kExamCreator)) return;
+    if (studies.GetCount() == 0 || !ExamFolder::IsNamedIn(*(*studies.begin())->GetDataSet())) return;
     fDirectoryType = kExamLayout;
     SetImageFolderName(kExamImageFolder);
-    for (TStudyDoc* study : fStudyDocs) RestoreExamFolderName(*study);
-}
-
-void TDicomDirectory::RestoreExamFolderName(TStudyDoc& study) {
-    char path[kLongestExamFolder + 1];
-    if (!study.GetDataSet()->GetText(Tags::kExamFolder, path, sizeof(path))) return;
-    if (const auto name = LastFolderName(path)) {
-        study.SetFolderName(name->c_str(), static_cast<uint32_t>(name->size()));
+    for (TStudyDoc* study : fStudyDocs) {
+        const auto name = ExamFolder::ReadName(*study->GetDataSet());
+        if (name) study->SetFolderName(name->c_str(), static_cast<uint32_t>(name->size()));
     }
 }
 
@@ -394,24 +378,25 @@ const TDicomDirectory::FilePlaces& TDicomDirectory::GetPlaces() {
     return *fPlaces;
 }
 
+const MediaPaths& TDicomDirectory::GetPaths() { return GetPlaces().GetPaths(); }
+
 void TDicomDirectory::MakeFileSpec(std::string_view fileID, TFileSpec& fileSpec) {
     fileSpec = GetPlaces().Find(fileID);
 }
 
 void TDicomDirectory::MakeRelativeFileID(char* buffer, uint32_t& length, const TFileSpec& fileSpec) {
-    length = TTextUtil().CopyCString(GetPlaces().GetPaths().MakeFileID(fileSpec.fPath).c_str(), buffer,
-                                     TFileSpec::kPathSize);
+    length =
+        TTextUtil().CopyCString(GetPaths().MakeFileID(fileSpec.fPath).c_str(), buffer, TFileSpec::kPathSize);
 }
 
 void TDicomDirectory::SetImageFolderName(const char* name) {
     TTextUtil().CopyCString(name, fImageFolderName, kImageFolderNameSize);
-    const std::string path = GetPlaces().GetPaths().MakeImageFolderPath(fImageFolderName);
-    if (path.empty() || Platform::IsFolder(path)) return;
-    try {
-        Platform::CreateFolder(path);
-    } catch (const Platform::FileException&) {
-        // A medium that is only read does without.
-    }
+    const std::string path = MakeImageFolderPath();
+    if (!path.empty()) Platform::MakeFolderIfMissing(path);
+}
+
+std::string TDicomDirectory::MakeImageFolderPath() {
+    return GetPaths().MakeImageFolderPath(fImageFolderName);
 }
 
 double TDicomDirectory::GetAvailableSpace() {

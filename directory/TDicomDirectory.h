@@ -20,6 +20,8 @@
 
 namespace Vantor {
 
+class MediaPaths;
+
 // A DICOM media directory in memory: a DICOMDIR file and the files beside it. Its records are a tree of
 // documents (see TDicomDoc), which hosts reach through one list for each level. The lists count their
 // members.
@@ -65,6 +67,12 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     // An empty text, for media that carry none.
     virtual void GetExtraText(char* buffer);
 
+    // Makes the next exam folder, EXAM0000 to EXAM9999, with its folders for clips and images, and gives its
+    // name in a buffer of `size` characters. A study is told: its record names the folder from then on.
+    // Nothing happens, and the name is empty, but in the exam layout. `reserved` is not looked at. Throws
+    // TException 102 "Cannot make folder.".
+    virtual void CreateExamFolders(char* name, uint32_t size, int32_t reserved, TStudyDoc* study);
+
     // An empty text, and the directory type.
     virtual int32_t GetExtraInfo(char* buffer);
 
@@ -103,6 +111,30 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
 
     // Hands in a file that is to be entered into the DICOMDIR. False when there is none.
     bool RegisterDicomFile(std::unique_ptr<TDicomFile> file);
+
+    // ---- Names and folders of new files ----
+    // Names that are taken are passed by. Nothing is created; who asks for a name uses it before the next one
+    // is asked for.
+
+    // A file ID of the standard layout, for a report (TSRFile::kReportKind) or any other kind, in a buffer of
+    // TFileSpec::kPathSize characters, and its length. Throws TException 102 "Exceeded 999999 files!" when
+    // the numbers are used up; the last one is never given.
+    void MakeNextFileName(char* fileID, uint32_t& length, int32_t kind);
+
+    // The full path of a new image file in the directory's layout, in a buffer of TFileSpec::kPathSize
+    // characters, and its length. `subFolder` is below the image folder; in the exam layout it is the exam
+    // folder's name with a backslash, the class decides between clips and images, and `preferredName` may be
+    // given. The first two characters of a name stay when it is taken. An empty path and 0 when there is none
+    // left or it is too long.
+    void MakeImageFileName(char* path, int32_t& length, const char* subFolder, const char* sopClassUID,
+                           const char* preferredName);
+
+    // Removes the exam folder of a study, or those of a patient's studies, with all that is in them, as far
+    // as that goes. Nothing happens for others, and but in the exam layout.
+    void DeleteFolders(TDicomDoc* doc);
+
+    // What the files of all series take, in units of 1,024 bytes, counted anew.
+    float GetFileSpaceUsed();
 
     // ---- Properties ----
 
@@ -144,6 +176,10 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     std::unique_ptr<TDicomFile> TakeRegisteredFile(const char* sopClassUID,
                                                    const char* sopInstanceUID) override;
 
+  protected:
+    // For subclasses, which may start at another number.
+    void SetNextImageNumber(int32_t number) { fNextImageNumber = number; }
+
   private:
     // Documents that the directory counts outside its lists.
     using HeldDocs = std::vector<TDicomDoc*>;
@@ -151,16 +187,19 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     class FilePlaces;
 
     const FilePlaces& GetPlaces();
+    const MediaPaths& GetPaths();
     void SetImageFolderName(const char* name);
     int32_t FindRecordSequence() const;
     void FillLists(std::vector<std::unique_ptr<TDicomDoc>> rootDocs);
     void DetectExamLayout();
-    void RestoreExamFolderName(TStudyDoc& study);
     void LeaveFalseParents();
     void ClearLists();
     template <typename T>
     void ClearList(TListOf<T>& list, HeldDocs& withoutParent);
     static void Drop(HeldDocs& docs);
+    std::string MakeNumberedFolder(std::string_view prefix, const std::string& baseFolder, std::string& name);
+    std::string MakeImageFolderPath();
+    void RemoveExamFolder(const TStudyDoc& study);
     template <typename Action>
     void WithListOf(int32_t docType, Action action);
 
@@ -174,12 +213,14 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     TListOf<TSR_Doc> fSRDocs;
     std::deque<std::unique_ptr<TDicomFile>> fRegisteredFiles;
     int32_t fDirectoryType = kStandardLayout;
+    int32_t fNextImageNumber = 0;
     char fVolumeName[kVolumeNameSize] = {};
     char fDirectoryName[kDirectoryNameSize] = {};
     char fImageFolderName[kImageFolderNameSize] = {};
     int32_t fDriveType = 0;
     bool fIsRemovable = false;
     bool fIsWritable = false;
+    float fSpaceUsed = 0;
     uint32_t fImageDocFlag = 0;
 
     std::string fPathsOf;

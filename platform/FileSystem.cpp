@@ -9,11 +9,10 @@ namespace {
 
 using Kind = FolderEntry::Kind;
 
-// False for what stays, and then the folders that hold it do as well.
-template <typename Remove>
-bool Succeeds(Remove remove, const std::string& path) {
+template <typename Operation>
+bool Succeeds(Operation operation, const std::string& path) {
     try {
-        remove(path);
+        operation(path);
         return true;
     } catch (const FileException&) {
         return false;
@@ -26,6 +25,10 @@ void RemoveEntry(const std::string& path, Kind kind) {
 }
 
 }  // namespace
+
+void MakeFolderIfMissing(const std::string& path) {
+    if (!IsFolder(path)) Succeeds(CreateFolder, path);
+}
 
 // Folders within folders are kept on a list of their own: they may be nested deeper than a stack goes.
 void RemoveFolderTree(const std::string& path) {

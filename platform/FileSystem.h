@@ -37,6 +37,9 @@ bool IsSameFile(const std::string& first, const std::string& second);
 // Makes a folder in an existing one. Throws FileException, also when there is something of that name already.
 void CreateFolder(const std::string& path);
 
+// Makes a folder where there is none; on failure there is still none.
+void MakeFolderIfMissing(const std::string& path);
+
 // What a folder holds, itself and the folder above it left out.
 struct FolderEntry {
     enum class Kind { kFile, kFolder, kLink, kOther };

@@ -42,6 +42,12 @@ bool WindowsPathStyle::EndsFolder(std::string_view path) const {
     return !path.empty() && (IsSeparator(path.back()) || path.back() == kDriveEnd);
 }
 
+std::optional<size_t> WindowsPathStyle::DriveEnd(std::string_view path) const {
+    const size_t colon = path.find(kDriveEnd);
+    if (colon == std::string_view::npos) return std::nullopt;
+    return colon + 1;
+}
+
 std::string WindowsPathStyle::VolumeRoot(std::string_view path) const {
     const auto isSeparatorAt = [&](size_t index) { return index < path.size() && IsSeparator(path[index]); };
     if (isSeparatorAt(0) && isSeparatorAt(1)) {

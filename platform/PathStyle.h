@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -20,6 +21,9 @@ class PathStyle {
 
     // True when a name may follow at once: behind a separator, and behind a drive.
     virtual bool EndsFolder(std::string_view path) const = 0;
+
+    // Where the path goes on behind its drive; none without one.
+    virtual std::optional<size_t> DriveEnd(std::string_view path) const = 0;
 
     // The path to ask for the space of the volume that a path is on, which ends with a separator: the drive
     // or the network share, or, where volumes are mounted anywhere, the folder that holds what the path
@@ -48,6 +52,7 @@ class WindowsPathStyle final : public PathStyle {
     bool IsSeparator(char character) const override { return character == '\\' || character == '/'; }
     bool IsFullPath(std::string_view path) const override;
     bool EndsFolder(std::string_view path) const override;
+    std::optional<size_t> DriveEnd(std::string_view path) const override;
     std::string VolumeRoot(std::string_view path) const override;
     std::string NameToMake(std::string_view name) const override { return std::string(name); }
 };
@@ -59,6 +64,7 @@ class PosixPathStyle final : public PathStyle {
     bool IsSeparator(char character) const override { return character == '/'; }
     bool IsFullPath(std::string_view path) const override;
     bool EndsFolder(std::string_view path) const override;
+    std::optional<size_t> DriveEnd(std::string_view /*path*/) const override { return std::nullopt; }
     std::string VolumeRoot(std::string_view path) const override;
     std::string NameToMake(std::string_view name) const override;
 };
