@@ -123,18 +123,18 @@ TEST_F(NamesTest, ExamFoldersAreNumberedAndNamedInTheStudy) {
 
 TEST_F(NamesTest, ExamFoldersGoWithTheirStudyAndNoOthers) {
     Open(TDicomDirectory::kExamLayout);
-    for (const char* file : {"EXAMS/EXAM0000/IMAGES/1", "EXAMS/EXAM0001/2", "NEIGHBOUR/3"})
-        fFolder.WriteFile(file, "x");
+    const std::string first = Spelled("Exams") + "/EXAM0000/IMAGES/1";
+    const std::string second = Spelled("Exams") + "/EXAM0001/2";
+    for (const std::string& file : {first, second, std::string("NEIGHBOUR/3")}) fFolder.WriteFile(file, "x");
     for (const char* name : {"", "..", ".", "..\\X", "EXAM0001 "}) {
         Study()->SetFolderName(name, static_cast<uint32_t>(std::string(name).size()));
         fDirectory->DeleteFolders(Study());
     }
     Study()->SetFolderName("EXAM0000", 8);
     fDirectory->DeleteFolders(*fDirectory->GetSeriesDocs()->begin());
-    EXPECT_EQ(fFolder.ListFiles(),
-              (Names{"DICOMDIR", "EXAMS/EXAM0000/IMAGES/1", "EXAMS/EXAM0001/2", "NEIGHBOUR/3"}));
+    EXPECT_EQ(fFolder.ListFiles(), (Names{"DICOMDIR", first, second, "NEIGHBOUR/3"}));
     fDirectory->DeleteFolders(*fDirectory->GetPatientDocs()->begin());
-    EXPECT_EQ(fFolder.ListFiles(), (Names{"DICOMDIR", "EXAMS/EXAM0001/2", "NEIGHBOUR/3"}));
+    EXPECT_EQ(fFolder.ListFiles(), (Names{"DICOMDIR", second, "NEIGHBOUR/3"}));
     Open(TDicomDirectory::kStandardLayout);
     Study()->SetFolderName("EXAM0001", 8);
     fDirectory->DeleteFolders(Study());
