@@ -18,6 +18,7 @@ std::optional<std::string> ReadName(const TDicomDataSet& record) {
     char value[kLongestPath + 1];
     if (!record.GetText(Tags::kExamFolder, value, sizeof(value))) return std::nullopt;
     std::string path = value;
+    if (path.size() == kLongestPath) return std::nullopt;  // there may be more of it
     path.erase(path.find_last_not_of(' ') + 1);
     const std::string name = path.substr(path.find_last_of("\\/") + 1);
     if (!IsPlainName(name) || name.size() >= TDicomDoc::kFolderNameSize) return std::nullopt;

@@ -9,8 +9,8 @@ namespace Vantor {
 class TDicomDataSet;
 
 // The folder that a study of the exam layout has for itself, as the study's record names it: its path from
-// the root of the volume on, with backslashes, in a private element. The element's creator marks a directory
-// as one of that layout.
+// the root of the drive on, or, without drives, from the directory's folder on, with backslashes, in a
+// private element. The element's creator marks a directory as one of that layout.
 namespace ExamFolder {
 
 // True when the record has the creator.

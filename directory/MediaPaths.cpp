@@ -58,10 +58,9 @@ std::string MediaPaths::MakePathOnVolume(std::string_view path) const {
 }
 
 std::string MediaPaths::MakeImageFolderPath(std::string_view imageFolderName) const {
-    if (!fHasDICOMDIR || fFolder.size() <= 1) return {};
-    std::string_view folder = fFolder;
-    folder.remove_suffix(1);  // the name brings a separator
-    return std::string(folder) + fStyle.FromFileID(fStyle.NameToMake(imageFolderName));
+    if (!fHasDICOMDIR || fFolder.size() <= 1 || imageFolderName.empty()) return {};
+    imageFolderName.remove_prefix(1);  // the folder ends where a name may follow
+    return fFolder + fStyle.FromFileID(fStyle.NameToMake(imageFolderName));
 }
 
 }  // namespace Vantor

@@ -200,7 +200,7 @@ template <typename T>
 void TDicomDirectory::ClearList(TListOf<T>& list, HeldDocs& withoutParent) {
     for (auto doc = list.rbegin(); doc != list.rend(); ++doc) {
         (*doc)->Release();
-        if ((*doc)->GetParentObj() == nullptr) withoutParent.push_back(*doc);
+        if ((*doc)->GetParentObj() == nullptr && !(*doc)->IsInUse()) withoutParent.push_back(*doc);
     }
     list.RemoveAllItems();
 }
@@ -220,7 +220,7 @@ void TDicomDirectory::ClearLists() {
     HeldDocs patients(fPatientDocs.rbegin(), fPatientDocs.rend());
     fPatientDocs.RemoveAllItems();
     Drop(patients);
-    for (TDicomDoc* doc : withoutParent) DestroyUnlessHeld(doc);
+    for (TDicomDoc* doc : withoutParent) delete doc;
     Drop(fOtherRootDocs);
     Drop(fPlacelessDocs);
 }
@@ -235,17 +235,17 @@ void TDicomDirectory::Drop(HeldDocs& docs) {
 
 void TDicomDirectory::ClearAllDocs() {
     LeaveFalseParents();
-    HeldDocs patients(fPatientDocs.rbegin(), fPatientDocs.rend());
-    fPatientDocs.RemoveAllItems();
-    Drop(patients);
+    for (TDicomDoc* patient : HeldDocs(fPatientDocs.rbegin(), fPatientDocs.rend())) {
+        RemoveDoc(patient);
+        DestroyUnlessHeld(patient);
+    }
 }
 
 void TDicomDirectory::RemoveAllDocs() {
-    for (auto patient = fPatientDocs.rbegin(); patient != fPatientDocs.rend(); ++patient) {
-        KeepDoc(*patient);
-        (*patient)->Release();
+    for (TDicomDoc* patient : HeldDocs(fPatientDocs.rbegin(), fPatientDocs.rend())) {
+        KeepDoc(patient);
+        RemoveDoc(patient);
     }
-    fPatientDocs.RemoveAllItems();
 }
 
 // ---- Lists ----

@@ -178,7 +178,7 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
 
   protected:
     // For subclasses, which may start at another number.
-    void SetNextImageNumber(int32_t number) { fNextImageNumber = number; }
+    void SetNextImageNumber(int32_t number);
 
   private:
     // Documents that the directory counts outside its lists.

@@ -47,16 +47,23 @@ std::string Format(const char* format, Arguments... arguments) {
     return text;
 }
 
+// A link counts, also one to nothing: who made a file there would make it where the link leads.
+bool IsTaken(const std::string& path) { return Platform::PathExists(path) || Platform::IsLink(path); }
+
 std::string SixDigits(int32_t number) { return Format("%06i", number); }
 
 }  // namespace
+
+void TDicomDirectory::SetNextImageNumber(int32_t number) {
+    fNextImageNumber = std::clamp(number, 0, kLastFileNumber);
+}
 
 void TDicomDirectory::MakeNextFileName(char* fileID, uint32_t& length, int32_t kind) {
     const char* const prefix = kind == TSRFile::kReportKind ? kReportPrefix : kStandardPrefix;
     const auto name = [&] { return Style().NameToMake(prefix + SixDigits(fNextImageNumber) + kSuffix); };
     TFileSpec fileSpec;
     MakeFileSpec(name(), fileSpec);
-    while (Platform::PathExists(fileSpec.fPath) && fNextImageNumber < kLastFileNumber) {
+    while (IsTaken(fileSpec.fPath) && fNextImageNumber < kLastFileNumber) {
         ++fNextImageNumber;
         MakeFileSpec(name(), fileSpec);
     }
@@ -86,12 +93,13 @@ void TDicomDirectory::MakeImageFileName(char* path, int32_t& length, const char*
     if (name.empty()) name = kFirstExamImage;
     name.resize(std::min(name.size(), kLongestName));
     const auto full = [&] { return folder + Style().NameToMake(name); };
-    while (Platform::PathExists(full()) && counter < kLastFileNumber) {
+    while (IsTaken(full()) && counter < kLastFileNumber) {
         ++counter;
         name = name.substr(0, kKeptOfName) + SixDigits(counter) + kSuffix;
     }
     ++counter;
-    if (counter > kLastFileNumber || !TFileSpec::FitsPath(full())) return;
+    const bool isUsable = ExamFolder::IsPlainName(name) && GetPaths().IsInside(full());
+    if (counter > kLastFileNumber || !isUsable || !TFileSpec::FitsPath(full())) return;
     if (!isExam) fNextImageNumber = counter;
     length = static_cast<int32_t>(TTextUtil().CopyCString(full().c_str(), path, TFileSpec::kPathSize));
 }
@@ -105,8 +113,11 @@ std::string TDicomDirectory::MakeNumberedFolder(std::string_view prefix, const s
         name = std::string(prefix.substr(0, kFolderPrefixLength)) + Format("%04i", counter);
         return baseFolder + Style().GetSeparator() + name;
     };
-    while (Platform::PathExists(path()) && counter < kLastFolderNumber) ++counter;
+    while (IsTaken(path()) && counter < kLastFolderNumber) ++counter;
     try {
+        // Without a folder of its own to put it into, it would land wherever the process is.
+        if (baseFolder.empty())
+            throw Platform::FileException(Platform::FileException::Cause::kBadPath, 0, name);
         Platform::CreateFolder(path());
     } catch (const Platform::FileException&) {
         name.clear();
@@ -133,8 +144,8 @@ void TDicomDirectory::RemoveExamFolder(const TStudyDoc& study) {
     char name[TDicomDoc::kFolderNameSize] = {};
     study.GetFolderName(name);
     const std::string imageFolder = MakeImageFolderPath();
-    // A name that leads elsewhere would take another folder with it.
-    if (!ExamFolder::IsPlainName(name) || imageFolder.empty()) return;
+    // A name or a link that leads elsewhere would take another folder with it.
+    if (!ExamFolder::IsPlainName(name) || imageFolder.empty() || Platform::IsLink(imageFolder)) return;
     Platform::RemoveFolderTree(imageFolder + Style().GetSeparator() + name);
 }
 

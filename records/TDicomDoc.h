@@ -21,8 +21,8 @@ namespace Vantor {
 // any more; a tree destroys what is in it by the same rule, and leaves what others hold, without parent.
 //
 // Texts are 8-bit, as stored. A getter copies at most size − 1 bytes and a terminator; it is false, with an
-// empty text, when the element is absent. A setter writes at most kLongestText bytes,
-// and throws TException 100 when the record has no room: one that was read grows to ten times its size.
+// empty text, when the element is absent. A setter writes at most kLongestText bytes, and
+// throws TException 100 when the record has no room: one that was read grows to ten times its size.
 class TDicomDoc : public TIODSource {
   public:
     // The document types, in the numbers that hosts know.

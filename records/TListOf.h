@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <unordered_set>
@@ -54,6 +55,12 @@ class TListOf : public TRefCount {
 
     // Removes the first occurrence, if there is one.
     void RemoveItem(const T* item) {
+        if (fIndex != nullptr && fIndex->count(item) == 1) {
+            // The only one may as well be looked for from the end, where lists are mostly taken down.
+            fItems.erase(std::next(std::find(fItems.rbegin(), fItems.rend(), item)).base());
+            fIndex->erase(item);
+            return;
+        }
         const auto found = std::find(fItems.begin(), fItems.end(), item);
         if (found == fItems.end()) return;
         fItems.erase(found);

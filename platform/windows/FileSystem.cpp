@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 
 #include "platform/windows/Handle.h"
 #include "platform/windows/SystemError.h"
@@ -20,12 +21,15 @@ std::optional<WIN32_FILE_ATTRIBUTE_DATA> GetAttributes(const std::string& path) 
     return attributes;
 }
 
-FolderEntry::Kind KindOf(DWORD attributes) {
-    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) {
+// Of the files that the system keeps in a way of its own, such as in a cloud, only links lead elsewhere.
+FolderEntry::Kind KindOf(const WIN32_FIND_DATAA& found) {
+    const bool isSpecial = (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+    if (isSpecial &&
+        (found.dwReserved0 == IO_REPARSE_TAG_SYMLINK || found.dwReserved0 == IO_REPARSE_TAG_MOUNT_POINT)) {
         return FolderEntry::Kind::kLink;
     }
-    return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? FolderEntry::Kind::kFolder
-                                                        : FolderEntry::Kind::kFile;
+    const bool isFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    return isFolder ? FolderEntry::Kind::kFolder : FolderEntry::Kind::kFile;
 }
 
 bool IsNamedBefore(const FolderEntry& first, const FolderEntry& second) { return first.fName < second.fName; }
@@ -61,8 +65,13 @@ bool IsFolder(const std::string& path) {
 }
 
 bool IsLink(const std::string& path) {
-    const auto attributes = GetAttributes(path);
-    return attributes && (attributes->dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+    WIN32_FIND_DATAA found = {};
+    const HANDLE search = FindFirstFileA(path.c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) {
+        return false;
+    }
+    FindClose(search);
+    return KindOf(found) == FolderEntry::Kind::kLink;
 }
 
 bool IsSameFile(const std::string& first, const std::string& second) {
@@ -86,13 +95,13 @@ std::vector<FolderEntry> ListFolder(const std::string& path) {
     if (search == INVALID_HANDLE_VALUE) {
         return entries;
     }
+    const std::unique_ptr<void, decltype(&FindClose)> closing(search, FindClose);
     do {
         const std::string name = found.cFileName;
         if (name != "." && name != "..") {
-            entries.push_back({name, KindOf(found.dwFileAttributes)});
+            entries.push_back({name, KindOf(found)});
         }
     } while (FindNextFileA(search, &found));
-    FindClose(search);
     std::sort(entries.begin(), entries.end(), IsNamedBefore);
     return entries;
 }

@@ -30,12 +30,13 @@ TEST(MediaPaths, OnWindows) {
     const Case cases[] = {
         {"D:\\CD\\DICOMDIR", false, "D:\\CD\\IMAGES\\1", "D:\\CD\\Exams"},
         {"D:\\DICOMDIR", false, "D:\\IMAGES\\1", "D:\\Exams"},
-        {"D:/cd/dicomdir", false, "D:/cd/IMAGES\\1", "D:/cd\\Exams"},
+        {"D:/cd/dicomdir", false, "D:/cd/IMAGES\\1", "D:/cd/Exams"},
         {"\\\\srv\\share\\DICOMDIR", false, "\\\\srv\\share\\IMAGES\\1", "\\\\srv\\share\\Exams"},
         // Folders that are called after the file.
         {"D:\\dicomdirs\\DICOMDIR", false, "D:\\dicomdirs\\IMAGES\\1", "D:\\dicomdirs\\Exams"},
         {"D:\\DICOMDIR", true, "D:\\DICOMDIR\\IMAGES\\1", ""},
         {"D:\\Folder", true, "D:\\Folder\\IMAGES\\1", ""},
+        {"C:DICOMDIR", false, "C:IMAGES\\1", "C:Exams"},
         // A name alone is looked for where the process is.
         {"DICOMDIR", false, "IMAGES\\1", ""}};
     for (const Case& c : cases) Expect(kWindows, c);

@@ -95,6 +95,7 @@ TEST_F(NamesTest, ExamImagesKeepTwoCharactersOfTheirName) {
         fFolder.WriteFile(images + Spelled(name), "x");
     EXPECT_EQ(Image("EXAM0000\\"), images + Spelled("IM000002.dcm"));
     EXPECT_EQ(Image("EXAM0000\\", "1.2", "Loop.dcm"), images + Spelled("Lo000001.dcm"));
+    EXPECT_EQ(Image("..\\X\\") + Image("EXAM0000\\", "1.2", "..\\X"), "") << "leads elsewhere";
 }
 
 TEST_F(NamesTest, ExamFoldersAreNumberedAndNamedInTheStudy) {
@@ -119,6 +120,10 @@ TEST_F(NamesTest, ExamFoldersAreNumberedAndNamedInTheStudy) {
     fFolder.WriteFile("EXAMS/EXAM0003", "a file in the way");
     EXPECT_EQ(ThrownBy([&] { fDirectory->CreateExamFolders(name, sizeof(name), 0, nullptr); }), "nothing");
     EXPECT_STREQ(name, "EXAM0004");
+    std::filesystem::remove_all(fFolder.PathOf("EXAMS"));
+    EXPECT_EQ(ThrownBy([&] { fDirectory->CreateExamFolders(name, sizeof(name), 0, nullptr); }),
+              "102 Cannot make folder.");
+    EXPECT_STREQ(name, "");
 }
 
 TEST_F(NamesTest, ExamFoldersGoWithTheirStudyAndNoOthers) {

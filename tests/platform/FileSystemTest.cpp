@@ -57,6 +57,8 @@ TEST(FileSystem, RemovesAFolderWithoutFollowingLinksOutOfIt) {
     std::error_code error;
     fs::create_directory_symlink(folder.PathOf("OTHER"), folder.PathOf("EXAMS/EXAM0000/LINK"), error);
     fs::create_directory_symlink(folder.PathOf("OTHER"), folder.PathOf("EXAMS/EXAM0001"), error);
+    fs::create_symlink(folder.PathOf("NOTHING"), folder.PathOf("EXAMS/EXAM0000/DANGLING"), error);
+    EXPECT_TRUE(kIsWindows || IsLink(folder.PathOf("EXAMS/EXAM0000/DANGLING")));
     EXPECT_NE(FailureOf([&] { RemoveFolder(folder.PathOf("EXAMS/EXAM0000")); }), "nothing");
     RemoveFolderTree(folder.PathOf("EXAMS/exam0000"));
     RemoveFolderTree(folder.PathOf("EXAMS/EXAM0001"));
