@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <set>
+#include <string>
 
 #include "tests/directory/DirectorySupport.h"
 
@@ -144,10 +146,18 @@ TEST(RecordLoader, LoadsWhatIsLeftOfAMediumThatBreaksOff) {
         EXPECT_EQ(directory->GetPatientDocs()->GetCount(), wholeRecords > 0 ? 1 : 0) << size;
         EXPECT_EQ(directory->GetImageDocs()->GetCount(), std::max(wholeRecords - kFirstImage, 0)) << size;
     }
+    std::set<std::string> outcomes;
     for (size_t size = 0; size < media.OffsetOf(0); ++size) {
-        ThrownBy(
-            [&] { Load(folder, Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size))); });
+        std::string tree;
+        const auto cut = whole.begin() + static_cast<std::ptrdiff_t>(size);
+        const std::string thrown =
+            ThrownBy([&] { tree = TreesOf(*Load(folder, Bytes(whole.begin(), cut))); });
+        outcomes.insert(thrown + tree);
     }
+    const std::set<std::string> expected = {"nothing", "102 Invalid Dicom File",
+                                            "102 Invalid DICOM element length.",
+                                            "102 Invalid DICOM element length, longer than the data set."};
+    EXPECT_EQ(outcomes, expected);
 }
 
 TEST(RecordLoader, RecordsThatCannotBeReadAreLeftOut) {

@@ -62,8 +62,8 @@ TEST_F(TDicomDirectoryTest, EmptyAndUnreadableOnes) {
     EXPECT_NE(ThrownBy([&] { TDicomDirectory(TFileSpec(fFolder.PathOf("MISSING")), 0); }), "nothing");
     // An element in front of the records leads out of the file: nobody can say what the medium holds.
     FileBuilder damaged;
-    damaged.Data().Header({0x0002, 0x0100}, Vr::kUT, 0x7FFFFFF0).Raw(Bytes(40));
-    EXPECT_NE(ThrownBy([&] { Load(fFolder, damaged.Build()); }), "nothing");
+    damaged.Data().Header({0x0004, 0x0001}, Vr::kUT, 0x7FFFFFF0).Raw(Bytes(40));
+    EXPECT_EQ(ThrownBy([&] { Load(fFolder, damaged.Build()); }), "102 Invalid DICOM element length.");
 }
 
 TEST_F(TDicomDirectoryTest, IsCreatedInEitherLayout) {
