@@ -5,6 +5,8 @@
 #include <memory>
 #include <string>
 
+#include "platform/FileMark.h"
+
 namespace Vantor::Platform {
 
 // What an open file may be used for.
@@ -41,6 +43,9 @@ class File {
 
     // Hands everything written so far to the medium; returns when it is there.
     virtual void Flush() = 0;
+
+    // Of the open file itself, which may have lost its path. Of a stream always the same.
+    virtual FileMark GetMark() { return {}; }
 
     // Closes the file; a second call does nothing. Other operations need an open file.
     virtual void Close() = 0;

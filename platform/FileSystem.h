@@ -5,19 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "platform/FileMark.h"
+
 // Every path that the platform takes is 8-bit text (see CodePage) with the platform's own separators. Names
 // are found without regard to the case of ASCII letters on every platform: a path that does not exist as
 // spelled stands for the one that does, and a new file is made in the folders that do.
 
 namespace Vantor::Platform {
-
-// When a file was last written: 100-nanosecond units since 1601-01-01 UTC, in two halves.
-struct FileTime {
-    uint32_t fLow = 0;
-    uint32_t fHigh = 0;
-
-    bool operator==(const FileTime&) const = default;
-};
 
 // The last-write time of a file or folder; none when the path names nothing that can be looked at.
 std::optional<FileTime> GetLastWriteTime(const std::string& path);

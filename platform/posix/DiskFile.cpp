@@ -1,9 +1,11 @@
-#include <fcntl.h>
+#include "platform/posix/DiskFile.h"
+
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <utility>
 
-#include "platform/File.h"
+#include "platform/posix/FileState.h"
 #include "platform/posix/LockedFile.h"
 #include "platform/posix/SystemError.h"
 
@@ -56,13 +58,7 @@ class DiskFile final : public File {
 
     int64_t GetPosition() override { return fPosition; }
 
-    int64_t GetLength() override {
-        struct stat state = {};
-        if (fstat(fDescriptor.Get(), &state) != 0) {
-            ThrowFileError(errno, fPath);
-        }
-        return state.st_size;
-    }
+    int64_t GetLength() override { return GetState().st_size; }
 
     void SetLength(int64_t length) override {
         RequireWritable();
@@ -80,6 +76,8 @@ class DiskFile final : public File {
         }
     }
 
+    FileMark GetMark() override { return MarkOf(GetState()); }
+
     void Close() override {
         if (!fDescriptor.Close() && errno != EINTR) {
             ThrowFileError(errno, fPath);
@@ -87,6 +85,14 @@ class DiskFile final : public File {
     }
 
   private:
+    struct stat GetState() const {
+        struct stat state = {};
+        if (fstat(fDescriptor.Get(), &state) != 0) {
+            ThrowFileError(errno, fPath);
+        }
+        return state;
+    }
+
     void RequireWritable() const {
         if (fAccess == FileAccess::kRead) {
             throw FileException(FileException::Cause::kAccessDenied, EBADF, fPath);
@@ -107,12 +113,16 @@ class DiskFile final : public File {
 
 }  // namespace
 
+std::unique_ptr<File> MakeDiskFile(Descriptor descriptor, FileAccess access, const std::string& path) {
+    return std::make_unique<DiskFile>(std::move(descriptor), access, path);
+}
+
 std::unique_ptr<File> OpenDiskFile(const std::string& path, FileAccess access) {
-    return std::make_unique<DiskFile>(OpenLocked(path, access), access, path);
+    return MakeDiskFile(OpenLocked(path, access), access, path);
 }
 
 std::unique_ptr<File> CreateDiskFile(const std::string& path) {
-    return std::make_unique<DiskFile>(CreateLocked(path), FileAccess::kReadWrite, path);
+    return MakeDiskFile(CreateLocked(path), FileAccess::kReadWrite, path);
 }
 
 }  // namespace Vantor::Platform

@@ -2,12 +2,11 @@
 #include <sys/stat.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <vector>
 
 #include "platform/File.h"
 #include "platform/FileSystem.h"
-#include "platform/posix/Descriptor.h"
+#include "platform/posix/Neighbour.h"
 #include "platform/posix/PathLookup.h"
 #include "platform/posix/SystemError.h"
 
@@ -17,8 +16,6 @@ namespace {
 
 constexpr size_t kCopyBufferSize = size_t{256} * 1024;
 constexpr mode_t kRightsMask = 07777;
-constexpr const char* kNeighbourName = "VNTXXXXXX.tmp";  // mkostemps replaces the X
-constexpr int kNeighbourSuffixLength = 4;
 
 // Symbolic links are moved and replaced themselves, so a link to nothing exists here.
 LookedUpPath LookUpEntry(const std::string& path) {
@@ -28,50 +25,6 @@ LookedUpPath LookUpEntry(const std::string& path) {
     }
     return LookUpPath(path);
 }
-
-std::string FolderOf(const std::string& path) {
-    const size_t separator = path.rfind('/');
-    return separator == std::string::npos ? "." : path.substr(0, separator + 1);
-}
-
-// What was renamed is there for everybody at once, but after a power cut only when its folder has reached
-// the medium. Some file systems cannot do that for a folder; the move stands nevertheless.
-void FlushFolderOf(const std::string& path) {
-    const Descriptor folder(open(FolderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folder.IsOpen()) {
-        fsync(folder.Get());
-    }
-}
-
-// The incomplete copy beside the target; removed unless it takes the target's place.
-class Neighbour {
-  public:
-    explicit Neighbour(const std::string& target) : fPath(FolderOf(target) + "/" + kNeighbourName) {
-        const Descriptor created(mkostemps(fPath.data(), kNeighbourSuffixLength, O_CLOEXEC));
-        if (!created.IsOpen()) {
-            ThrowFileError(errno, target);
-        }
-    }
-    ~Neighbour() {
-        if (!fPath.empty()) {
-            unlink(fPath.c_str());
-        }
-    }
-    Neighbour(const Neighbour&) = delete;
-    Neighbour& operator=(const Neighbour&) = delete;
-
-    const std::string& GetPath() const { return fPath; }
-
-    void TakePlaceOf(const std::string& target) {
-        if (rename(fPath.c_str(), target.c_str()) != 0) {
-            ThrowFileError(errno, target);
-        }
-        fPath.clear();
-    }
-
-  private:
-    std::string fPath;
-};
 
 void CopyBytes(File& source, File& copy) {
     std::vector<char> buffer(kCopyBufferSize);
@@ -100,10 +53,10 @@ void FillNeighbour(const std::string& source, const std::string& neighbour) {
 }
 
 void MoveToOtherVolume(const std::string& source, const std::string& target) {
-    Neighbour neighbour(target);
+    Neighbour neighbour(target, kRightsOfMaker);
+    neighbour.TakeDescriptor().Close();
     FillNeighbour(source, neighbour.GetPath());
-    neighbour.TakePlaceOf(target);
-    FlushFolderOf(target);
+    neighbour.TakePlaceOfTarget();
     unlink(source.c_str());
 }
 

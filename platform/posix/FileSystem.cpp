@@ -11,17 +11,13 @@
 #include <memory>
 
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/FileState.h"
 #include "platform/posix/PathLookup.h"
 #include "platform/posix/SystemError.h"
 
 namespace Vantor::Platform {
 
 namespace {
-
-constexpr int64_t kUnitsPerSecond = 10'000'000;
-constexpr int64_t kNanosecondsPerUnit = 100;
-constexpr int64_t kSecondsFrom1601To1970 = 11'644'473'600;
-constexpr int kHalfBits = 32;
 
 constexpr const char* kTemporaryFolderVariable = "TMPDIR";
 constexpr const char* kTemporaryFolder = "/tmp";
@@ -60,9 +56,7 @@ std::optional<FileTime> GetLastWriteTime(const std::string& path) {
     if (!GetState(path, state)) {
         return std::nullopt;
     }
-    const int64_t units = (state.st_mtim.tv_sec + kSecondsFrom1601To1970) * kUnitsPerSecond +
-                          state.st_mtim.tv_nsec / kNanosecondsPerUnit;
-    return FileTime{static_cast<uint32_t>(units), static_cast<uint32_t>(units >> kHalfBits)};
+    return LastWriteTimeOf(state);
 }
 
 bool PathExists(const std::string& path) {

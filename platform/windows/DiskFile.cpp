@@ -1,7 +1,10 @@
+#include "platform/windows/DiskFile.h"
+
 #include <windows.h>
 
 #include <utility>
 
+#include "platform/windows/FileState.h"
 #include "platform/windows/OpenHandle.h"
 #include "platform/windows/PositionedFile.h"
 #include "platform/windows/SystemError.h"
@@ -38,6 +41,14 @@ class DiskFile final : public PositionedFile {
         if (fAccess == FileAccess::kReadWrite && !FlushFileBuffers(fHandle.Get())) {
             ThrowLastError(GetPath());
         }
+    }
+
+    FileMark GetMark() override {
+        const std::optional<FileMark> mark = GetMarkOf(fHandle);
+        if (!mark) {
+            ThrowLastError(GetPath());
+        }
+        return *mark;
     }
 
     void Close() override {
@@ -104,8 +115,12 @@ Handle OpenExistingFile(const std::string& path, FileAccess access) {
                            path);
 }
 
+std::unique_ptr<File> MakeDiskFile(Handle handle, FileAccess access, const std::string& path) {
+    return std::make_unique<DiskFile>(std::move(handle), access, path);
+}
+
 std::unique_ptr<File> OpenDiskFile(const std::string& path, FileAccess access) {
-    return std::make_unique<DiskFile>(OpenExistingFile(path, access), access, path);
+    return MakeDiskFile(OpenExistingFile(path, access), access, path);
 }
 
 std::unique_ptr<File> CreateDiskFile(const std::string& path) {
@@ -113,7 +128,7 @@ std::unique_ptr<File> CreateDiskFile(const std::string& path) {
     Handle handle = RequireDiskFile(CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, kSharedWithNobody,
                                                 nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr),
                                     path);
-    return std::make_unique<DiskFile>(std::move(handle), FileAccess::kReadWrite, path);
+    return MakeDiskFile(std::move(handle), FileAccess::kReadWrite, path);
 }
 
 }  // namespace Vantor::Platform

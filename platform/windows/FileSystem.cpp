@@ -6,7 +6,7 @@
 #include <array>
 #include <memory>
 
-#include "platform/windows/Handle.h"
+#include "platform/windows/FileState.h"
 #include "platform/windows/SystemError.h"
 
 namespace Vantor::Platform {
@@ -33,19 +33,6 @@ FolderEntry::Kind KindOf(const WIN32_FIND_DATAA& found) {
 }
 
 bool IsNamedBefore(const FolderEntry& first, const FolderEntry& second) { return first.fName < second.fName; }
-
-// What tells one file of the machine from all others.
-std::optional<BY_HANDLE_FILE_INFORMATION> GetIdentity(const std::string& path) {
-    constexpr DWORD kNoRights = 0;
-    const Handle handle(CreateFileA(path.c_str(), kNoRights,
-                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
-    BY_HANDLE_FILE_INFORMATION identity = {};
-    if (!handle.IsOpen() || !GetFileInformationByHandle(handle.Get(), &identity)) {
-        return std::nullopt;
-    }
-    return identity;
-}
 
 }  // namespace
 
@@ -75,11 +62,10 @@ bool IsLink(const std::string& path) {
 }
 
 bool IsSameFile(const std::string& first, const std::string& second) {
-    const auto firstFile = GetIdentity(first);
-    const auto secondFile = GetIdentity(second);
-    return firstFile && secondFile && firstFile->dwVolumeSerialNumber == secondFile->dwVolumeSerialNumber &&
-           firstFile->nFileIndexHigh == secondFile->nFileIndexHigh &&
-           firstFile->nFileIndexLow == secondFile->nFileIndexLow;
+    const std::optional<FileMark> firstFile = GetMarkAt(first);
+    const std::optional<FileMark> secondFile = GetMarkAt(second);
+    return firstFile && secondFile && firstFile->fVolume == secondFile->fVolume &&
+           firstFile->fIdentity == secondFile->fIdentity;
 }
 
 void CreateFolder(const std::string& path) {

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/File.h"
+#include "platform/windows/Handle.h"
+
+namespace Vantor::Platform {
+
+// The disk file of a handle that was opened for `access`. Its failures name `path`.
+std::unique_ptr<File> MakeDiskFile(Handle handle, FileAccess access, const std::string& path);
+
+}  // namespace Vantor::Platform
