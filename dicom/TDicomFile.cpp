@@ -14,6 +14,7 @@
 #include "platform/Ascii.h"
 #include "platform/Clock.h"
 #include "platform/FileException.h"
+#include "platform/FileReplacement.h"
 #include "platform/StructuredStorage.h"
 
 namespace Vantor {
@@ -238,7 +239,7 @@ void TDicomFile::InitNewFile(uintptr_t owner, const TFileSpec& fileSpec, uintptr
     fDataSet = std::move(dataSet);
     fIsExplicit = fDataSet->IsExplicit();
     fIsBigEndian = fDataSet->IsBigEndian();
-    MakeMetaDataSet(implementationClassUID);
+    fMetaDataSet = MakeMetaDataSet(transferSyntaxUID, implementationClassUID);
 }
 
 void TDicomFile::Reset() {
@@ -255,17 +256,21 @@ void TDicomFile::Reset() {
     fLastWriteTime = {};
 }
 
-void TDicomFile::MakeMetaDataSet(const char* implementationClassUID) {
+std::unique_ptr<TDicomDataSet> TDicomFile::MakeMetaDataSet(const char* transferSyntaxUID,
+                                                           const char* implementationClassUID) const {
+    TUidText transferSyntax;
+    transferSyntax.Set(transferSyntaxUID);
     TUidText implementation;
     implementation.Set(implementationClassUID);
-    fMetaDataSet =
+    auto meta =
         std::make_unique<TDicomDataSet>(true, false, kNewMetaSize, kNewMetaSize, kNewMetaRoom, fContext);
-    fMetaDataSet->PutElement(Tags::kFileMetaInformationVersion, Vr::kOB, kMetaVersion.size(),
-                             kMetaVersion.data(), kMetaVersion.size());
-    PutUid(fMetaDataSet.get(), Tags::kMediaStorageSOPClassUID, fSOPClassUID.Get());
-    PutUid(fMetaDataSet.get(), Tags::kMediaStorageSOPInstanceUID, fSOPInstanceUID.Get());
-    PutUid(fMetaDataSet.get(), Tags::kTransferSyntaxUID, fTransferSyntaxUID.Get());
-    PutUid(fMetaDataSet.get(), Tags::kImplementationClassUID, implementation);
+    meta->PutElement(Tags::kFileMetaInformationVersion, Vr::kOB, kMetaVersion.size(), kMetaVersion.data(),
+                     kMetaVersion.size());
+    PutUid(meta.get(), Tags::kMediaStorageSOPClassUID, fSOPClassUID.Get());
+    PutUid(meta.get(), Tags::kMediaStorageSOPInstanceUID, fSOPInstanceUID.Get());
+    PutUid(meta.get(), Tags::kTransferSyntaxUID, transferSyntax);
+    PutUid(meta.get(), Tags::kImplementationClassUID, implementation);
+    return meta;
 }
 
 void TDicomFile::CreateEmptyFile(bool isExplicit, bool isBigEndian) {
@@ -295,6 +300,9 @@ std::unique_ptr<Platform::File> TDicomFile::OpenWaitingForOthers(Platform::FileA
     const auto firstAttempt = clock.Now();
     for (;;) {
         try {
+            if (fIsReplaced && access == Platform::FileAccess::kReadWrite) {
+                return Platform::OpenDiskFileToReplace(fFileSpec.fPath);
+            }
             return Platform::OpenDiskFile(fFileSpec.fPath, access);
         } catch (const FileException& error) {
             const bool isHeldByOthers = error.GetCause() == FileException::Cause::kSharingViolation;
@@ -333,6 +341,10 @@ bool TDicomFile::ReadMetaHeader() {
 
 bool TDicomFile::ReadFile() {
     Platform::File& file = OpenedFile();
+    // A film or another large file among the images is not read to its end only to find out what it is.
+    std::array<uint8_t, kMetaOffset> start;
+    SeekTo(file, 0);
+    CheckPrefix(start.data(), static_cast<int64_t>(ReadBytes(file, start.data(), start.size())));
     const int64_t length = file.GetLength();
     const std::unique_ptr<uint8_t[]> bytes = AllocateFileBuffer(length);
     SeekTo(file, 0);
@@ -396,12 +408,16 @@ bool TDicomFile::ParseDataSet(const uint8_t* bytes, int64_t count) {
 void TDicomFile::WriteFile() {
     Platform::File& file = OpenedFile();
     if (fMetaDataSet == nullptr || fDataSet == nullptr) throw NoDicomFile();
+    WriteContent(file, *fMetaDataSet, *fDataSet);
+}
+
+void TDicomFile::WriteContent(Platform::File& file, const TDicomDataSet& meta, const TDicomDataSet& dataSet) {
     NamingFailures(kImageFile, [&] {
         SetFileLength(file, 0);
         SeekTo(file, 0);
         WritePreamble(file);
-        for (const TDicomDataSet* dataSet : {fMetaDataSet.get(), fDataSet.get()}) {
-            WriteBytes(file, dataSet->GetDataSet(), static_cast<size_t>(dataSet->GetDataSetSize()));
+        for (const TDicomDataSet* part : {&meta, &dataSet}) {
+            WriteBytes(file, part->GetDataSet(), static_cast<size_t>(part->GetDataSetSize()));
         }
         file.Flush();
     });
@@ -534,7 +550,11 @@ void TDicomFile::ForgetCopy() {
 // ---- Size and time ----
 
 int64_t TDicomFile::GetHeaderSize() const {
-    return kMetaOffset + (fMetaDataSet == nullptr ? 0 : fMetaDataSet->GetDataSetSize());
+    return fMetaDataSet == nullptr ? kMetaOffset : GetHeaderSizeWith(*fMetaDataSet);
+}
+
+int64_t TDicomFile::GetHeaderSizeWith(const TDicomDataSet& meta) {
+    return kMetaOffset + meta.GetDataSetSize();
 }
 
 uint32_t TDicomFile::GetFileSizeKB() {

@@ -99,6 +99,11 @@ class TDicomFile : public TIODSource {
     // meta information or no data set.
     void WriteFile();
 
+    // Bytes of the open file from where the last of these operations ended, at first its start: up to
+    // `count`, fewer only at the end. Failures name "image data" and "image file".
+    size_t ReadNext(void* buffer, size_t count) { return ReadBytes(OpenedFile(), buffer, count); }
+    void WriteNext(const void* bytes, size_t count) { WriteBytes(OpenedFile(), bytes, count); }
+
     // Sets the transfer syntax flags of the main data set and creates or empties the file at the path.
     void CreateEmptyFile(bool isExplicit, bool isBigEndian);
 
@@ -162,6 +167,20 @@ class TDicomFile : public TIODSource {
     // Writes what every Part 10 file starts with: 128 zero bytes and "DICM".
     static void WritePreamble(Platform::File& file);
 
+    // Writes a whole file from its start.
+    static void WriteContent(Platform::File& file, const TDicomDataSet& meta, const TDicomDataSet& dataSet);
+
+    // The meta information of a new file with this object's SOP class and instance.
+    std::unique_ptr<TDicomDataSet> MakeMetaDataSet(const char* transferSyntaxUID,
+                                                   const char* implementationClassUID) const;
+
+    // As GetHeaderSize, with this meta information.
+    static int64_t GetHeaderSizeWith(const TDicomDataSet& meta);
+
+    // For files that are changed by putting a new one in their place: OpenFile for writing keeps others who
+    // do so away until the file is closed (Platform::OpenDiskFileToReplace).
+    void SetIsReplaced(bool isReplaced) { fIsReplaced = isReplaced; }
+
     std::unique_ptr<TDicomDataSet> fMetaDataSet;
     uintptr_t fOwner = 0;
     bool fIsBigEndian = false;
@@ -187,7 +206,6 @@ class TDicomFile : public TIODSource {
 
     // New files.
     void Reset();
-    void MakeMetaDataSet(const char* implementationClassUID);
 
     // Copying.
     bool IsThisFile(const TFileSpec& destination) const;
@@ -197,6 +215,7 @@ class TDicomFile : public TIODSource {
     void AbandonCopy();
     void ForgetCopy();
 
+    bool fIsReplaced = false;
     TFileSpec fCopySpec;            // where the copy goes: the destination, or the temporary file or stream
     bool fIsCopyTemporary = false;  // the destination is this very file
 };

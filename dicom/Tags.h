@@ -24,6 +24,8 @@ inline constexpr Tag kImplementationClassUID{0x0002, 0x0012};
 
 inline constexpr Tag kFileSetID{0x0004, 0x1130};
 inline constexpr Tag kFirstRootRecordOffset{0x0004, 0x1200};
+inline constexpr Tag kLastRootRecordOffset{0x0004, 0x1202};
+inline constexpr Tag kFileSetConsistencyFlag{0x0004, 0x1212};
 inline constexpr Tag kDirectoryRecordSequence{0x0004, 0x1220};
 inline constexpr Tag kNextRecordOffset{0x0004, 0x1400};
 inline constexpr Tag kRecordInUseFlag{0x0004, 0x1410};
@@ -32,7 +34,9 @@ inline constexpr Tag kDirectoryRecordType{0x0004, 0x1430};
 inline constexpr Tag kReferencedFileID{0x0004, 0x1500};
 inline constexpr Tag kReferencedSOPClassUIDInFile{0x0004, 0x1510};
 inline constexpr Tag kReferencedSOPInstanceUIDInFile{0x0004, 0x1511};
+inline constexpr Tag kReferencedTransferSyntaxUIDInFile{0x0004, 0x1512};
 
+inline constexpr Tag kSpecificCharacterSet{0x0008, 0x0005};
 inline constexpr Tag kSOPClassUID{0x0008, 0x0016};
 inline constexpr Tag kSOPInstanceUID{0x0008, 0x0018};
 inline constexpr Tag kStudyDate{0x0008, 0x0020};

@@ -11,6 +11,9 @@ inline constexpr char kImplicitVRLittleEndian[] = "1.2.840.10008.1.2";
 inline constexpr char kExplicitVRLittleEndian[] = "1.2.840.10008.1.2.1";
 inline constexpr char kExplicitVRBigEndian[] = "1.2.840.10008.1.2.2";
 
+inline constexpr char kMediaStorageDirectory[] = "1.2.840.10008.1.3.10";
+inline constexpr char kRawDataStorage[] = "1.2.840.10008.5.1.4.1.1.66";
+
 inline constexpr char kBasicTextSR[] = "1.2.840.10008.5.1.4.1.1.88.11";
 inline constexpr char kEnhancedSR[] = "1.2.840.10008.5.1.4.1.1.88.22";
 inline constexpr char kComprehensiveSR[] = "1.2.840.10008.5.1.4.1.1.88.33";

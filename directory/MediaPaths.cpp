@@ -17,6 +17,11 @@ bool ClimbsOut(std::string_view name) {
     return name.size() > 1 && name.front() == '.' && name.find_first_not_of(". ") == std::string_view::npos;
 }
 
+std::string_view WithoutPadding(std::string_view fileID) {
+    const size_t end = fileID.find_last_not_of(kPadding);
+    return fileID.substr(0, end == std::string_view::npos ? 0 : end + 1);
+}
+
 }  // namespace
 
 MediaPaths::MediaPaths(const Platform::PathStyle& style, std::string_view directoryPath, bool isFolder)
@@ -24,15 +29,18 @@ MediaPaths::MediaPaths(const Platform::PathStyle& style, std::string_view direct
     // Looked for in the last name only: the folders above may be called after it too.
     const size_t nameStart = style.FolderPart(directoryPath).size();
     const size_t position = Platform::UpperCased(directoryPath).find(kDirectoryFileName, nameStart);
-    fHasDICOMDIR = position != std::string::npos && !isFolder;
-    if (fHasDICOMDIR) fFolder.resize(position);
+    const bool hasDICOMDIR = position != std::string::npos && !isFolder;
+    if (hasDICOMDIR) fFolder.resize(position);
+    fIsKnown = hasDICOMDIR || isFolder;
     if (!fFolder.empty() && !style.EndsFolder(fFolder)) fFolder += style.GetSeparator();
 }
 
 std::string MediaPaths::MakeFullPath(std::string_view fileID) const {
-    const size_t end = fileID.find_last_not_of(kPadding);
-    fileID = fileID.substr(0, end == std::string_view::npos ? 0 : end + 1);
-    return fStyle.IsFullPath(fileID) ? std::string(fileID) : fFolder + fStyle.FromFileID(fileID);
+    return fStyle.IsFullPath(fileID) ? std::string(WithoutPadding(fileID)) : MakePathBelow(fileID);
+}
+
+std::string MediaPaths::MakePathBelow(std::string_view fileID) const {
+    return fFolder + fStyle.FromFileID(WithoutPadding(fileID));
 }
 
 std::string MediaPaths::MakeFileID(std::string_view path) const {
@@ -58,7 +66,7 @@ std::string MediaPaths::MakePathOnVolume(std::string_view path) const {
 }
 
 std::string MediaPaths::MakeImageFolderPath(std::string_view imageFolderName) const {
-    if (!fHasDICOMDIR || fFolder.size() <= 1 || imageFolderName.empty()) return {};
+    if (!fIsKnown || fFolder.size() <= 1 || imageFolderName.empty()) return {};
     imageFolderName.remove_prefix(1);  // the folder ends where a name may follow
     return fFolder + fStyle.FromFileID(fStyle.NameToMake(imageFolderName));
 }

@@ -19,6 +19,9 @@ class MediaPaths {
     // are padding.
     std::string MakeFullPath(std::string_view fileID) const;
 
+    // The same for a file ID that is no full path, whatever it looks like.
+    std::string MakePathBelow(std::string_view fileID) const;
+
     // The file ID of a full path: what follows the directory's folder, told without regard to case. Empty for
     // a path elsewhere.
     std::string MakeFileID(std::string_view path) const;
@@ -30,14 +33,14 @@ class MediaPaths {
     // from the directory's folder on.
     std::string MakePathOnVolume(std::string_view path) const;
 
-    // The full path of the image folder, whose name starts with a backslash. Empty when the directory's path
-    // is a name alone.
+    // The full path of the image folder, whose name starts with a backslash. Empty without a name, and when
+    // the directory's path is a name alone.
     std::string MakeImageFolderPath(std::string_view imageFolderName) const;
 
   private:
     const Platform::PathStyle& fStyle;
     std::string fFolder;  // ends with a separator, or is empty
-    bool fHasDICOMDIR;
+    bool fIsKnown;        // a DICOMDIR or a folder
 };
 
 }  // namespace Vantor

@@ -23,6 +23,9 @@ constexpr uint32_t kLongestRecordType = 32;
 constexpr int32_t kItemHeaderSize = 8;
 constexpr uint16_t kNotInUse = 0;
 
+// How far below the top level a record may stand that the one above does not take.
+constexpr int32_t kDeepestForeignChild = 32;
+
 struct RecordType {
     std::string_view fText;
     int32_t fDocType;
@@ -205,8 +208,9 @@ void RecordLoader::LinkRecords(RecordIndex root) {
     struct Place {
         RecordIndex fIndex;
         TDicomDoc* fParent;
+        int32_t fDepth;
     };
-    std::vector<Place> places = {{root, nullptr}};
+    std::vector<Place> places = {{root, nullptr, 0}};
     std::vector<bool> isPlaced(fRecords.size());
     while (!places.empty()) {
         const Place place = places.back();
@@ -214,21 +218,24 @@ void RecordLoader::LinkRecords(RecordIndex root) {
         if (isPlaced[place.fIndex]) continue;
         isPlaced[place.fIndex] = true;
         TDicomDoc* const doc = DocOf(place.fIndex);
-        PutInPlace(fDocs[place.fIndex], place.fParent);
+        PutInPlace(fDocs[place.fIndex], place.fParent, place.fDepth);
         const auto& links = fLinks[place.fIndex];
         if (!links) continue;
         if (const auto index = FindRecord(links->fNext, place.fIndex + 1))
-            places.push_back({*index, place.fParent});
-        if (const auto index = FindRecord(links->fLower, place.fIndex + 1)) places.push_back({*index, doc});
+            places.push_back({*index, place.fParent, place.fDepth});
+        if (const auto index = FindRecord(links->fLower, place.fIndex + 1))
+            places.push_back({*index, doc, place.fDepth + 1});
     }
 }
 
-void RecordLoader::PutInPlace(std::unique_ptr<TDicomDoc>& doc, TDicomDoc* parent) {
+void RecordLoader::PutInPlace(std::unique_ptr<TDicomDoc>& doc, TDicomDoc* parent, int32_t depth) {
     int32_t error = 0;
     if (parent == nullptr) {
         fRootDocs.push_back(std::move(doc));
     } else if (parent->AddChild(doc.get(), nullptr, true, error)) {
         static_cast<void>(doc.release());  // the parent's now
+    } else if (depth <= kDeepestForeignChild) {
+        parent->KeepForeignChild(std::move(doc));
     }
 }
 

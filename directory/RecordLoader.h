@@ -20,7 +20,8 @@ namespace Vantor {
 // A medium may be damaged or made to harm: records that cannot be read are left out, as are those that are
 // not in use; an offset at which no record starts ends its branch; and a record that is pointed at more than
 // once has its place where it is met first, from the top down and from left to right. Time and memory grow
-// with the number of records, however they point.
+// with the number of records, however they point. A record below one that takes none of its type is kept
+// there as a foreign child, unless it lies deeper than media go.
 class RecordLoader {
   public:
     // `dataSetStart` is where the data set starts in its file, from where the offsets count. The documents
@@ -31,8 +32,8 @@ class RecordLoader {
     // to its record sequence.
     void Load();
 
-    // The documents on the top level in their order; and those without a place: that no offset reaches, or
-    // whose type the document above does not take. All others belong to the document above them.
+    // The documents on the top level in their order; and those without a place, mostly because no offset
+    // reaches them. All others belong to the document above them.
     using Docs = std::vector<std::unique_ptr<TDicomDoc>>;
     Docs TakeRootDocs() { return std::move(fRootDocs); }
     Docs TakeStrayDocs() { return std::move(fDocs); }
@@ -54,7 +55,7 @@ class RecordLoader {
     template <typename Record>
     std::unique_ptr<TDicomDoc> MakeDocOf(int32_t docType, Record record) const;
     void LinkRecords(RecordIndex root);
-    void PutInPlace(std::unique_ptr<TDicomDoc>& doc, TDicomDoc* parent);
+    void PutInPlace(std::unique_ptr<TDicomDoc>& doc, TDicomDoc* parent, int32_t depth);
     std::optional<RecordIndex> FindRecord(uint32_t offset, RecordIndex guess) const;
     TDicomDoc* DocOf(RecordIndex index) { return static_cast<TDicomDoc*>(fRecords[index].GetSource()); }
 

@@ -8,8 +8,11 @@
 #include "dicom/TException.h"
 #include "dicom/TTextUtil.h"
 #include "directory/ExamFolder.h"
+#include "directory/IdentityIndex.h"
 #include "directory/MediaPaths.h"
+#include "directory/MediaPlaces.h"
 #include "directory/RecordLoader.h"
+#include "directory/TSeriesTransfer.h"
 #include "platform/FileException.h"
 #include "platform/FileSystem.h"
 #include "platform/PathStyle.h"
@@ -21,6 +24,8 @@ namespace {
 // Kept beside the file for whoever asks for them.
 constexpr uintptr_t kFirstSize = 25600;
 constexpr uintptr_t kSecondSize = 31457280;
+
+constexpr uint32_t kTransferBufferSize = 65536;
 
 constexpr char kStandardImageFolder[] = "\\imagesdc";
 constexpr char kExamImageFolder[] = "\\Exams";
@@ -55,41 +60,17 @@ void PutBack(TListOf<T>& list, const std::vector<Numbered<T>>& docs) {
 
 }  // namespace
 
-// The directory's path as it is now, with its file's other words.
-class TDicomDirectory::FilePlaces final : public TFilePlaces {
-  public:
-    explicit FilePlaces(TDicomDirectory& directory)
-        : TFilePlaces(reinterpret_cast<uintptr_t>(&directory)),
-          fDirectorySpec(directory.fFileSpec),
-          fPaths(Platform::PathStyle::OfPlatform(), fDirectorySpec.fPath,
-                 Platform::IsFolder(fDirectorySpec.fPath)) {}
-
-    const MediaPaths& GetPaths() const { return fPaths; }
-
-    TFileSpec Find(std::string_view fileID) const override {
-        const std::string path = fPaths.MakeFullPath(fileID);
-        // A path that is cut would name another file.
-        TFileSpec fileSpec(TFileSpec::FitsPath(path) ? path : std::string(), fDirectorySpec.fStorage);
-        fileSpec.fWord = fDirectorySpec.fWord;
-        return fileSpec;
-    }
-
-    bool IsInside(const TFileSpec& fileSpec) const override { return fPaths.IsInside(fileSpec.fPath); }
-
-  private:
-    TFileSpec fDirectorySpec;
-    MediaPaths fPaths;
-};
-
 TDicomDirectory::TDicomDirectory(const TFileSpec& fileSpec, uint32_t imageDocFlag)
-    : TDicomFile(0, fileSpec, 0, kFirstSize, kSecondSize), fImageDocFlag(imageDocFlag) {
-    OpenFile(Platform::FileAccess::kRead);
-    ReadFile();
-    CloseFile();
-    UpdateModTime();
-    if (fDataSet != nullptr) fDataSet->GetText(Tags::kFileSetID, fDirectoryName, kDirectoryNameSize);
-    SetImageFolderName(kStandardImageFolder);
-    RefreshDocs();
+    : TDicomDirectory(fileSpec, imageDocFlag, kStandardLayout) {
+    TDicomDirectory::ReadDirectory();
+}
+
+TDicomDirectory::TDicomDirectory(const TFileSpec& fileSpec, uint32_t imageDocFlag, int32_t directoryType)
+    : TDicomFile(0, fileSpec, 0, kFirstSize, kSecondSize),
+      fDirectoryType(directoryType),
+      fImageDocFlag(imageDocFlag),
+      fTransfer(std::make_unique<TSeriesTransfer>(*this, kTransferBufferSize)) {
+    SetIsReplaced(true);
 }
 
 TDicomDirectory::TDicomDirectory(const TFileSpec& fileSpec, const char* directoryName, int32_t directoryType,
@@ -98,46 +79,47 @@ TDicomDirectory::TDicomDirectory(const TFileSpec& fileSpec, const char* director
                                  bool isBigEndian)
     : TDicomFile(0, fileSpec, 0, nullptr, sopClassUID, sopInstanceUID, transferSyntaxUID,
                  implementationClassUID, isBigEndian),
-      fDirectoryType(directoryType) {
+      fDirectoryType(directoryType),
+      fTransfer(std::make_unique<TSeriesTransfer>(*this, kTransferBufferSize)) {
+    SetIsReplaced(true);
     SetDirName(directoryName);
     if (directoryType == kExamLayout) SetImageFolderName(kExamImageFolder);
     if (directoryType == kStandardLayout) SetImageFolderName(kStandardImageFolder);
 }
 
 TDicomDirectory::~TDicomDirectory() {
+    ClearDocsToMove();
     ClearLists();
     Drop(fRetiredDocs);
 }
 
-bool TDicomDirectory::ReloadIfChanged() {
-    if (IsCurrent()) return true;
-    try {
-        OpenFile(Platform::FileAccess::kRead);
-        ReadFile();
-        fRecordShift = 0;
-        CloseFile();
-        UpdateModTime();
-        RefreshDocs();
-        return true;
-    } catch (TException* thrown) {
-        const std::unique_ptr<TException> error(thrown);
-    } catch (const std::exception&) {
-        // The file's own failures, and a lack of memory.
-    }
+void TDicomDirectory::ReadDirectory() {
+    OpenFile(Platform::FileAccess::kRead);
+    ReadContent();
     CloseFile();
-    return false;
+    if (fDataSet != nullptr) fDataSet->GetText(Tags::kFileSetID, fDirectoryName, kDirectoryNameSize);
+    SetImageFolderName(kStandardImageFolder);
+    RefreshDocs();
+}
+
+// What is noted of the file is taken from it while it is open: by its path another one may be there by now.
+void TDicomDirectory::ReadContent() {
+    ReadFile();
+    fRecordShift = 0;
+    fReadMark = fFile->GetMark();
+    fLastWriteTime = fReadMark.fLastWriteTime;
 }
 
 // ---- Making the documents ----
 
 void TDicomDirectory::RefreshDocs() {
-    ClearLists();
     fPlaces.reset();
-    if (fDataSet == nullptr) return;
+    if (fDataSet == nullptr) return ClearLists();
     // Without meta information, which a file that has become unreadable leaves behind, as it was read.
     const int64_t dataSetStart = fMetaDataSet == nullptr ? fDataOffset : GetHeaderSize();
     RecordLoader loader(*fDataSet, dataSetStart - fRecordShift, *this);
-    loader.Load();
+    loader.Load();  // before the documents that are there go
+    ClearLists();
     for (auto& stray : loader.TakeStrayDocs()) TDicomDirectory::KeepDoc(stray.release());
     FillLists(loader.TakeRootDocs());
     DetectExamLayout();
@@ -167,7 +149,7 @@ void TDicomDirectory::FillLists(std::vector<std::unique_ptr<TDicomDoc>> rootDocs
 }
 
 void TDicomDirectory::DetectExamLayout() {
-    if (fStudyDocs.GetCount() == 0) return;
+    if (fDirectoryType == kFolderDirectory || fStudyDocs.GetCount() == 0) return;
     const TListOf<TStudyDoc>& studies = *(*fPatientDocs.begin())->GetStudyDocs();
     if (studies.GetCount() == 0 || !ExamFolder::IsNamedIn(*(*studies.begin())->GetDataSet())) return;
     fDirectoryType = kExamLayout;
@@ -207,6 +189,7 @@ void TDicomDirectory::ClearList(TListOf<T>& list, HeldDocs& withoutParent) {
 
 // What is below a patient goes with it; documents that are below none have to be looked after one by one.
 void TDicomDirectory::ClearLists() {
+    fIndex.reset();
     LeaveFalseParents();
     HeldDocs withoutParent;
     ClearList(fStudyDocs, withoutParent);
@@ -271,14 +254,16 @@ void TDicomDirectory::WithListOf(int32_t docType, Action action) {
 }
 
 void TDicomDirectory::RegisterDoc(TDicomDoc* doc) {
-    WithListOf(doc->GetDocType(), [doc]<typename T>(TListOf<T>& list) {
+    WithListOf(doc->GetDocType(), [this, doc]<typename T>(TListOf<T>& list) {
         if (list.HasItem(static_cast<T*>(doc))) return;
         list.InsertItemAt(list.kAtEnd, static_cast<T*>(doc));
         doc->Register();
+        if (fIndex != nullptr) fIndex->Add(doc);
     });
 }
 
 void TDicomDirectory::RemoveDoc(TDicomDoc* doc) {
+    if (fIndex != nullptr) fIndex->Remove(doc);
     WithListOf(doc->GetDocType(), [doc]<typename T>(TListOf<T>& list) {
         if (!list.HasItem(static_cast<T*>(doc))) return;
         list.RemoveItem(static_cast<T*>(doc));
@@ -288,6 +273,9 @@ void TDicomDirectory::RemoveDoc(TDicomDoc* doc) {
 
 void TDicomDirectory::RemoveDocs(const TListOf<TDicomDoc>& docs) {
     const std::unordered_set<const TDicomDoc*> removed(docs.begin(), docs.end());
+    if (fIndex != nullptr) {
+        for (const TDicomDoc* doc : removed) fIndex->Remove(doc);
+    }
     for (const int32_t docType : kListedTypes) {
         WithListOf(docType, [&removed]<typename T>(TListOf<T>& list) {
             list.RemoveItemsIf([&removed](T* doc) {
@@ -311,14 +299,34 @@ void TDicomDirectory::KeepDoc(TDicomDoc* doc) {
 
 TDicomDoc* TDicomDirectory::FindDoc(TDicomDoc* doc) {
     if (doc == nullptr) return nullptr;
-    const bool hasList = doc->GetDocType() != TDicomDoc::kPrivate;
-    TDicomDoc* found = nullptr;
-    WithListOf(hasList ? doc->GetDocType() : TDicomDoc::kPatient, [doc, &found](const auto& list) {
-        const auto match = std::find_if(list.begin(), list.end(),
-                                        [doc](TDicomDoc* member) { return member->IsSameRecord(doc); });
-        if (match != list.end()) found = *match;
+    IdentityIndex& index = GetIndex();
+    index.Update(doc);
+    if (TDicomDoc* const found = index.Find(doc); found != nullptr) return found;
+    return HasDoc(doc) && doc->IsSameRecord(doc) ? doc : nullptr;
+}
+
+IdentityIndex& TDicomDirectory::GetIndex() {
+    if (fIndex != nullptr) return *fIndex;
+    auto index = std::make_unique<IdentityIndex>();
+    for (const int32_t docType : kListedTypes) {
+        WithListOf(docType, [&index](const auto& list) {
+            for (TDicomDoc* doc : list) index->Add(doc);
+        });
+    }
+    fIndex = std::move(index);
+    return *fIndex;
+}
+
+void TDicomDirectory::NoteIdentity(TDicomDoc* doc) {
+    if (fIndex != nullptr) fIndex->Update(doc);
+}
+
+bool TDicomDirectory::HasDoc(TDicomDoc* doc) {
+    bool hasDoc = false;
+    WithListOf(doc->GetDocType(), [doc, &hasDoc]<typename T>(const TListOf<T>& list) {
+        hasDoc = list.HasItem(static_cast<const T*>(doc));
     });
-    return found;
+    return hasDoc;
 }
 
 TDicomDoc* TDicomDirectory::FindOrCreateDoc(TDicomDoc* doc, int32_t& error) {
@@ -370,12 +378,18 @@ std::shared_ptr<const TFilePlaces> TDicomDirectory::GetFilePlaces() {
     return fPlaces;
 }
 
-const TDicomDirectory::FilePlaces& TDicomDirectory::GetPlaces() {
-    if (fPlaces == nullptr || fPathsOf != fFileSpec.fPath) {
-        fPathsOf = fFileSpec.fPath;
-        fPlaces = std::make_shared<const FilePlaces>(*this);
+const MediaPlaces& TDicomDirectory::GetPlaces() {
+    if (fPlaces == nullptr || fPlacesOf != fFileSpec.fPath) {
+        fPlacesOf = fFileSpec.fPath;
+        fPlaces = MakePlaces();
     }
     return *fPlaces;
+}
+
+std::shared_ptr<const MediaPlaces> TDicomDirectory::MakePlaces() {
+    return std::make_shared<const MediaPlaces>(
+        reinterpret_cast<uintptr_t>(this), fFileSpec,
+        MediaPaths(Platform::PathStyle::OfPlatform(), fFileSpec.fPath, Platform::IsFolder(fFileSpec.fPath)));
 }
 
 const MediaPaths& TDicomDirectory::GetPaths() { return GetPlaces().GetPaths(); }

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "dicom/TDicomFile.h"
@@ -20,7 +21,10 @@
 
 namespace Vantor {
 
+class IdentityIndex;
 class MediaPaths;
+class MediaPlaces;
+class TSeriesTransfer;
 
 // A DICOM media directory in memory: a DICOMDIR file and the files beside it. Its records are a tree of
 // documents (see TDicomDoc), which hosts reach through one list for each level. The lists count their
@@ -48,8 +52,13 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     ~TDicomDirectory() override;
 
     // Reads the DICOMDIR again when it has changed on disk. True when it has not, or was read; false when it
-    // could not be, and the documents are then the old ones unless their order could not be made out.
+    // could not be, and the documents are then the old ones.
     virtual bool ReloadIfChanged();
+
+    // Enters every DICOM file below the image folder that can be entered (see AddFile), in the order of their
+    // names, those of a sub-folder where that stands among them. Files that are there stay there; links to
+    // folders are not followed.
+    virtual void ScanFiles();
 
     // Takes every patient out of its list; the other lists stay. The directory keeps counting the patients,
     // and destroys them when it is read again or goes.
@@ -59,6 +68,16 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     // is not there, and for private documents. A document that is below no other is the caller's then, who
     // destroys it unless it is in use.
     void RemoveDoc(TDicomDoc* doc) override;
+
+    // Writes the documents into the DICOMDIR, open for updating or not, and closes it. The new content takes
+    // the place of the old at once; on failure the old one is still there. Throws FileException, and what
+    // completing a record throws.
+    //
+    // Records that nobody changed keep every element, also those that the library does not know, with code
+    // strings in upper case and without group lengths; the elements beside the record sequence stay as well.
+    // Records that were not in use, or that no other pointed at, are left out. It is always written in
+    // explicit little endian, and keeps its instance UID.
+    virtual void WriteDICOMDIR();
 
     // The full path of a file that a record names by its file ID. Empty when there can be none.
     virtual void MakeFileSpec(std::string_view fileID, TFileSpec& fileSpec);
@@ -112,6 +131,56 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     // Hands in a file that is to be entered into the DICOMDIR. False when there is none.
     bool RegisterDicomFile(std::unique_ptr<TDicomFile> file);
 
+    // ---- Writing ----
+
+    // Makes the directory a new one with an instance UID of its own, and writes it: a valid DICOMDIR with the
+    // File-set ID and without records, in place of a file that may be there. The documents in memory stay.
+    // Throws FileException.
+    void CreateEmptyDICOMDIR();
+
+    // Opens the DICOMDIR to be changed, alone, and reads it again when it is not the one that was read last.
+    // False when that fails, or there is none; it is then closed, and the documents are the old ones.
+    // WriteDICOMDIR closes it.
+    bool OpenForUpdating();
+
+    // Enters one file below the directory's folder, by its full path: an image (any file with pixel data), a
+    // report (by its modality), raw data, or a private record for any other DICOM file, with the documents
+    // above it that are missing. Gives its series; null, and nothing is entered, when the file cannot be read
+    // as DICOM, is a DICOMDIR, lies elsewhere or has a path of 255 characters or more. A file whose instance
+    // is there already is not entered again; raw data and others cannot be told and are. Throws TException
+    // 102 ("No Patient ID", "No Series Instance UID") for a file that lacks what its records must have;
+    // nothing is entered then.
+    TDicomDoc* AddFile(const std::string& path);
+
+    // ---- Taking in documents of other directories ----
+    // What SetImportDocs was given is copied bit by bit, so that a host can show progress: ImportDocs is
+    // called until it is true. The files get names of the standard layout; the records are in the tree at the
+    // end, and in the DICOMDIR when the host calls WriteDICOMDIR.
+
+    // Documents of this or another directory, with all that is below them. They are counted until the
+    // import ends.
+    void SetImportDocs(const TListOf<TDicomDoc>& docs);
+
+    // Works for about `timeBudget` milliseconds, and gives the place of the document at hand, 1 for the
+    // first, and how many there are; `doneKB` and `totalKB`, in units of 1,024 bytes, count its files. True
+    // once every document is done; false while work remains, and without documents. `message`, a buffer of
+    // kMessageSize characters, is given "Can not open DICOMDIR for updating." when that is so; the files
+    // are then copied but not entered.
+    //
+    // A file that cannot be read is passed by. Throws what naming, creating and writing a new file throws;
+    // part of it may then be on disk, and the next call starts with that file again.
+    bool ImportDocs(int32_t timeBudget, int32_t& index, int32_t& count, int32_t& doneKB, int32_t& totalKB,
+                    char* message);
+
+    // Ends the import, wherever it is. What was copied so far stays on disk.
+    void ClearDocsToMove();
+
+    // Called at the end of each document, with the one in this directory, or null, and the one that it was
+    // taken from. For subclasses; does nothing.
+    virtual void AfterTransfer(TDicomDoc* imported, TDicomDoc* source);
+
+    static constexpr uint32_t kMessageSize = 256;
+
     // ---- Names and folders of new files ----
     // Names that are taken are passed by. Nothing is created; who asks for a name uses it before the next one
     // is asked for.
@@ -145,7 +214,11 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
 
     // Texts kept for the host.
     const std::string& GetFolderPath() const { return fFolderPath; }
-    void SetFolderpath(const std::string& path) { fFolderPath = path; }
+    void SetFolderpath(const std::string& path) {
+        fFolderPath = path;
+        fPlaces.reset();
+    }
+    const std::string& GetImageFolder() const { return fImageFolder; }
     void SetImageFolder(const std::string& folder) { fImageFolder = folder; }
 
     // The File-set ID, of at most kDirectoryNameSize − 1 characters. Setting it also puts it into the data
@@ -171,12 +244,37 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     double GetAvailableSpace() override;
     uint32_t GetImageSetting() const override { return fImageDocFlag; }
     void RegisterDoc(TDicomDoc* doc) override;
+    void NoteIdentity(TDicomDoc* doc) override;
     void RemoveDocs(const TListOf<TDicomDoc>& docs) override;
     void KeepDoc(TDicomDoc* doc) override;
     std::unique_ptr<TDicomFile> TakeRegisteredFile(const char* sopClassUID,
                                                    const char* sopInstanceUID) override;
 
   protected:
+    // Of the file at `fileSpec`, which is not looked at.
+    TDicomDirectory(const TFileSpec& fileSpec, uint32_t imageDocFlag, int32_t directoryType);
+
+    // The part of the opening constructor that reads.
+    void ReadDirectory();
+
+    // Who numbers a series whose files do not.
+    enum class SeriesNumbers { kFromRecord, kLater };
+    TDicomDoc* EnterFile(const std::string& path, SeriesNumbers numbers);
+
+    // Enters what can be of the files below a folder.
+    void EnterFilesBelow(const std::string& folder, SeriesNumbers numbers);
+
+    // Takes all documents out and destroys those that nobody holds.
+    void ClearLists();
+
+    // False for a directory that cannot be updated, as it has no DICOMDIR.
+    virtual bool HasDICOMDIR() const { return true; }
+
+    // Where the files are; asked again when the directory's path or folder path has changed.
+    virtual std::shared_ptr<const MediaPlaces> MakePlaces();
+
+    void SetImageFolderName(const char* name);
+
     // For subclasses, which may start at another number.
     void SetNextImageNumber(int32_t number);
 
@@ -184,16 +282,20 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     // Documents that the directory counts outside its lists.
     using HeldDocs = std::vector<TDicomDoc*>;
 
-    class FilePlaces;
-
-    const FilePlaces& GetPlaces();
+    const MediaPlaces& GetPlaces();
     const MediaPaths& GetPaths();
-    void SetImageFolderName(const char* name);
+    IdentityIndex& GetIndex();
+    bool HasDoc(TDicomDoc* doc);
+    class OldContent;
+    void ReadContent();
+    void StartMoving(int32_t index);
+    void WriteRecords(TDicomDataSet* present, const HeldDocs& rootDocs);
+    HeldDocs GetRootDocs() const;
+    std::unordered_set<std::string> CollectFileIDs() const;
     int32_t FindRecordSequence() const;
     void FillLists(std::vector<std::unique_ptr<TDicomDoc>> rootDocs);
     void DetectExamLayout();
     void LeaveFalseParents();
-    void ClearLists();
     template <typename T>
     void ClearList(TListOf<T>& list, HeldDocs& withoutParent);
     static void Drop(HeldDocs& docs);
@@ -223,8 +325,16 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     float fSpaceUsed = 0;
     uint32_t fImageDocFlag = 0;
 
-    std::string fPathsOf;
-    std::shared_ptr<const FilePlaces> fPlaces;  // for fPathsOf; null when they have to be made anew
+    TListOf<TDicomDoc> fDocsToMove;  // counted
+    int32_t fMoveCount = 0;
+    int32_t fMoveIndex = 0;
+    bool fIsMoving = false;
+    std::unique_ptr<TSeriesTransfer> fTransfer;
+
+    std::string fPlacesOf;
+    std::shared_ptr<const MediaPlaces> fPlaces;  // for fPlacesOf; null when they have to be made anew
+    std::unique_ptr<IdentityIndex> fIndex;  // of the documents in the lists; null until one is looked for
+    Platform::FileMark fReadMark;           // of the file that the documents are of
     int64_t fRecordShift = 0;  // how far the records have moved in the data set since it was read
     HeldDocs fOtherRootDocs;   // on the top level of the tree without being patients
     HeldDocs fPlacelessDocs;   // in no list and below no document

@@ -83,4 +83,18 @@ std::unique_ptr<TDicomDataSet> CopyRecordTo(TDicomDoc& doc, TRecordDirectory* di
     return copy;
 }
 
+void CompleteReference(TDicomDataSet& record, TDicomFile& file, TRecordDirectory* directory) {
+    if (directory != nullptr && !record.FindElement(Tags::kReferencedFileID)) {
+        char fileID[TFileSpec::kPathSize] = {};
+        uint32_t length = 0;
+        directory->MakeRelativeFileID(fileID, length, *file.GetFileSpec());
+        if (length > 0) PutFileID(record, fileID, length);
+    }
+    TUidText transferSyntax;
+    if (!record.FindElement(Tags::kReferencedTransferSyntaxUIDInFile) &&
+        file.GetTransferSyntaxUID(transferSyntax.fText)) {
+        SetUid(&record, Tags::kReferencedTransferSyntaxUIDInFile, transferSyntax.fText);
+    }
+}
+
 }  // namespace Vantor::ReferencedFile

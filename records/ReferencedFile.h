@@ -28,6 +28,10 @@ std::unique_ptr<TDicomFile> MakePlainFile(const TDicomDataSet* record, const TFi
 std::unique_ptr<TDicomDataSet> CopyRecordTo(TDicomDoc& doc, TRecordDirectory* directory,
                                             const char* fallback);
 
+// Puts what a record lacks of the reference to a file: its file ID, when it is below the directory's folder,
+// and its transfer syntax, when the file object knows it. `directory` may be null.
+void CompleteReference(TDicomDataSet& record, TDicomFile& file, TRecordDirectory* directory);
+
 // Named in a copied record whose file is not registered with the directory.
 inline constexpr char kNotCopied[] = "NOT_COPIED";
 

@@ -8,6 +8,7 @@
 
 #include "dicom/TException.h"
 #include "dicom/TTextUtil.h"
+#include "records/ReferencedFile.h"
 
 namespace Vantor {
 
@@ -44,7 +45,7 @@ TDicomDoc::TDicomDoc(int32_t docType, TStoredRecord record, TRecordDirectory* di
     if (directory != nullptr) fPlaces = directory->GetFilePlaces();
 }
 
-TDicomDoc::~TDicomDoc() = default;
+TDicomDoc::~TDicomDoc() { DropForeignChildren(); }
 
 TDicomDataSet* TDicomDoc::Record() const {
     if (!fStored.IsEmpty()) const_cast<TDicomDoc*>(this)->Wake();
@@ -160,21 +161,45 @@ TDicomDoc* TDicomDoc::PlaceCopy(const TDicomDataSet* record, TRecordDirectory* d
     return copy;
 }
 
+// ---- Foreign children ----
+
+void TDicomDoc::KeepForeignChild(std::unique_ptr<TDicomDoc> child) {
+    if (fForeignChildren == nullptr) fForeignChildren = std::make_unique<std::vector<TDicomDoc*>>();
+    fForeignChildren->push_back(child.get());
+    child.release()->Register();
+}
+
+const std::vector<TDicomDoc*>& TDicomDoc::GetForeignChildren() const {
+    static const std::vector<TDicomDoc*> kNone;
+    return fForeignChildren == nullptr ? kNone : *fForeignChildren;
+}
+
+void TDicomDoc::DropForeignChildren() {
+    if (fForeignChildren == nullptr) return;
+    for (TDicomDoc* child : *fForeignChildren) {
+        child->Release();
+        if (!child->IsInUse()) delete child;
+    }
+}
+
 // ---- Files ----
 
-void TDicomDoc::CollectFiles(TListOf<TDicomFile>& files) {
+void TDicomDoc::CollectFiles(TListOf<TDicomFile>& files) { Collect(files, Files::kAll); }
+
+void TDicomDoc::Collect(TListOf<TDicomFile>& list, Files files) {
     TDicomFile* const file = GetDicomFile();
-    const bool isOurs = fPlaces == nullptr || (file != nullptr && fPlaces->IsInside(*file->GetFileSpec()));
-    if (file != nullptr && isOurs) files.InsertItemAt(files.kAtEnd, file);
+    const bool isOurs = files == Files::kAll || fPlaces == nullptr ||
+                        (file != nullptr && fPlaces->IsInside(*file->GetFileSpec()));
+    if (file != nullptr && isOurs) list.InsertItemAt(list.kAtEnd, file);
     TListOf<TDicomDoc> children;
     GetChildDocs(children, true);
-    for (TDicomDoc* child : children) child->CollectFiles(files);
+    for (TDicomDoc* child : children) child->Collect(list, files);
 }
 
 void TDicomDoc::DeleteFilesFromDisk() {
     TListOf<TDicomFile> files;
     try {
-        CollectFiles(files);
+        Collect(files, Files::kOnTheMedium);
     } catch (TException* thrown) {
         const std::unique_ptr<TException> error(thrown);
         return;
@@ -205,6 +230,19 @@ std::unique_ptr<TDicomDataSet> TDicomDoc::CopyRecord(const TDicomDataSet& record
                             static_cast<int32_t>(room), 0);
 }
 
+TDicomDataSet TDicomDoc::ViewRecord() const {
+    if (!fStored.IsEmpty()) return fStored.Open();
+    if (fDataSet == nullptr) return {true, false, nullptr, 0, 0};
+    const int32_t size = fDataSet->GetDataSetSize();
+    return {fDataSet->IsExplicit(), fDataSet->IsBigEndian(), fDataSet->GetDataSet(), size, size};
+}
+
+void TDicomDoc::PrepareForWriting() {
+    if (fDataSet == nullptr) return;
+    if (!HasElement(Tags::kDirectoryRecordType)) CompleteRecord();
+    if (fDicomFile != nullptr) ReferencedFile::CompleteReference(*fDataSet, *fDicomFile, GetDirectory());
+}
+
 void TDicomDoc::CompleteRecord() {
     if (Record() == nullptr) return;
     AddIfAbsent(Tags::kNextRecordOffset, Vr::kUL, &kNoOffset, sizeof(kNoOffset));
@@ -226,6 +264,22 @@ void TDicomDoc::SetText(Tag tag, VrCode vr, const char* text) {
     if (Record() == nullptr) return;
     const uint32_t length = text == nullptr ? 0 : std::min(TTextUtil().StringLength(text), kLongestText);
     Record()->PutElement(tag, vr, length, text, length);
+    NoteIdentity();
+}
+
+void TDicomDoc::NoteIdentity() {
+    if (TRecordDirectory* const directory = GetDirectory(); directory != nullptr)
+        directory->NoteIdentity(this);
+}
+
+std::optional<std::string> TDicomDoc::PeekText(Tag tag) const {
+    char text[kLongestText + 1] = {};
+    uint32_t length = 0;
+    VrCode vr = 0;
+    if (!ViewRecord().FindElement(tag, &vr, &length, text, kLongestText)) return std::nullopt;
+    // An odd length is made even when a data set is made of the record.
+    if (length % 2 != 0 && length < kLongestText && vr != Vr::kUI) text[length] = ' ';
+    return text;
 }
 
 void TDicomDoc::SetRecordType(const char* recordType) {

@@ -3,6 +3,9 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "dicom/TDicomFile.h"
 #include "dicom/TIODSource.h"
@@ -77,6 +80,10 @@ class TDicomDoc : public TIODSource {
     // looks for its mandatory elements: throws TException 102 with the name of the missing one.
     virtual void CompleteRecord();
 
+    // What a document has in common with all that are the same record, as a text to be looked up by; empty
+    // for one that is the same as itself only. The record stays as it is stored.
+    virtual std::string GetIdentity() const { return {}; }
+
     // The file that the record names, owned by this document; null when it names none.
     void SetDicomFile(std::unique_ptr<TDicomFile> file);
     TDicomFile* GetDicomFile();
@@ -113,6 +120,23 @@ class TDicomDoc : public TIODSource {
     // Takes the document out of its parent and, with all that is below, out of its directory's lists, and
     // destroys it unless somebody holds it.
     void Discard();
+
+    // Makes the record fit to be written: one without type is completed, and one that lacks its file's ID or
+    // transfer syntax is given them, as far as the file object knows. A record that nobody has asked for
+    // since it was read stays as it is. Throws what CompleteRecord throws.
+    void PrepareForWriting();
+
+    // The record's elements as they are stored, with none when there is no data set; valid until the document
+    // changes.
+    TDicomDataSet ViewRecord() const;
+
+    // Records that stand below this one on the medium although it takes none of their type. They are no
+    // children, and only kept to be written back; they go with this document.
+    void KeepForeignChild(std::unique_ptr<TDicomDoc> child);
+    const std::vector<TDicomDoc*>& GetForeignChildren() const;
+
+    // Appends the files of this document and of all below it, each document's own before those below it.
+    void CollectFiles(TListOf<TDicomFile>& files);
 
     // Removes the files of this document and of all below it from disk, as far as that goes. Records stay,
     // and so do files that lie elsewhere than below the directory's folder.
@@ -164,12 +188,20 @@ class TDicomDoc : public TIODSource {
     // Throws TException 102 with this text when the element is absent.
     void RequireElement(Tag tag, const char* complaint) const;
 
+    // Up to kLongestText bytes of a text, as GetText gives them, from the record as it is stored.
+    std::optional<std::string> PeekText(Tag tag) const;
+
+    // Tells the directory that an element by which documents are looked up may have changed.
+    void NoteIdentity();
+
     // True when both documents have this text, and the same.
     bool HasSameText(const TDicomDoc& other, Tag tag) const;
 
   private:
     void Wake();
-    void CollectFiles(TListOf<TDicomFile>& files);
+    enum class Files { kAll, kOnTheMedium };
+    void Collect(TListOf<TDicomFile>& list, Files files);
+    void DropForeignChildren();
     void AddIfAbsent(Tag tag, VrCode vr, const void* value, uint32_t length);
 
     TStoredRecord fStored;  // empty once there is a data set
@@ -180,6 +212,7 @@ class TDicomDoc : public TIODSource {
     int32_t fDocType;
     std::array<char, kFolderNameSize> fFolderName{};
     TDicomDoc* fCompanion = nullptr;
+    std::unique_ptr<std::vector<TDicomDoc*>> fForeignChildren;  // counted; null without
 };
 
 }  // namespace Vantor

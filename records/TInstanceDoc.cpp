@@ -5,6 +5,12 @@
 
 namespace Vantor {
 
+namespace {
+
+constexpr char kAndClass = '\n';  // between the UIDs of an identity
+
+}  // namespace
+
 bool TInstanceDoc::GetSOPClassUID(char* buffer) {
     return ReferencedFile::GetUid(Record(), Tags::kReferencedSOPClassUIDInFile, buffer);
 }
@@ -15,10 +21,12 @@ bool TInstanceDoc::GetSOPInstanceUID(char* buffer) {
 
 void TInstanceDoc::SetSOPClassUID(const char* text) {
     ReferencedFile::SetUid(Record(), Tags::kReferencedSOPClassUIDInFile, text);
+    NoteIdentity();
 }
 
 void TInstanceDoc::SetSOPInstanceUID(const char* text) {
     ReferencedFile::SetUid(Record(), Tags::kReferencedSOPInstanceUIDInFile, text);
+    NoteIdentity();
 }
 
 TDicomDoc* TInstanceDoc::CopyToDirectory(TRecordDirectory* directory, TDicomDoc* parent, bool deep,
@@ -37,6 +45,12 @@ bool TInstanceDoc::IsSameRecord(TDicomDoc* other) {
            other->GetSOPInstanceUID(others[0].fText) && other->GetSOPClassUID(others[1].fText) &&
            TTextUtil().EqualStrings(mine[0].fText, others[0].fText) &&
            TTextUtil().EqualStrings(mine[1].fText, others[1].fText);
+}
+
+std::string TInstanceDoc::GetIdentity() const {
+    const auto instance = PeekText(Tags::kReferencedSOPInstanceUIDInFile);
+    const auto sopClass = PeekText(Tags::kReferencedSOPClassUIDInFile);
+    return instance && sopClass ? *instance + kAndClass + *sopClass : std::string();
 }
 
 }  // namespace Vantor

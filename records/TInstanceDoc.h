@@ -22,6 +22,7 @@ class TInstanceDoc : public TParentDoc {
     // False only for another document of this type that does not have the same class and instance: nothing,
     // and documents of other types, count as the same. Hosts rely on it.
     bool IsSameRecord(TDicomDoc* other) override;
+    std::string GetIdentity() const override;
 
     TListOf<TPrivateDoc>* GetPrivateDocs() { return &fPrivateDocs.GetDocs(); }
 

@@ -9,6 +9,10 @@ namespace Vantor {
 
 namespace {
 
+// In front of the texts of an identity: an empty text is not an absent one.
+constexpr char kHasID[] = "ID ";
+constexpr char kHasName[] = "\nName ";
+
 // How many documents of a type are a number of levels below a document.
 int32_t CountBelow(TDicomDoc& doc, int32_t docType) {
     TListOf<TDicomDoc> children;
@@ -66,6 +70,13 @@ void TPatientDoc::RemoveCompanion(const TDicomDoc* companion, TRecordDirectory& 
     if (found == docs.end()) return;
     directory.KeepDoc(*found);
     TParentDoc::RemoveChild(*found);
+}
+
+std::string TPatientDoc::GetIdentity() const {
+    const auto patientID = PeekText(Tags::kPatientID);
+    if (!patientID) return {};
+    const auto name = PeekText(Tags::kPatientName);
+    return kHasID + *patientID + (name ? kHasName + *name : std::string());
 }
 
 void TPatientDoc::CompleteRecord() {

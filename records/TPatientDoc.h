@@ -20,6 +20,7 @@ class TPatientDoc final : public TParentDoc {
     // True for a patient with the same Patient ID and the same Patient's Name; or the ID alone, when neither
     // has a name.
     bool IsSameRecord(TDicomDoc* other) override;
+    std::string GetIdentity() const override;
 
     // In an exam layout, a study's companion goes with it: to the directory, which keeps it until it is read
     // again.

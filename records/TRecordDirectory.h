@@ -23,6 +23,7 @@ class TRecordDirectory {
     // The directory types that documents know: how files are named and put into folders.
     static constexpr int32_t kStandardLayout = 0;
     static constexpr int32_t kExamLayout = 1;
+    static constexpr int32_t kFolderDirectory = 2;
 
     // Where the directory's files are.
     virtual std::shared_ptr<const TFilePlaces> GetFilePlaces() = 0;
@@ -47,6 +48,9 @@ class TRecordDirectory {
 
     // Does RemoveDoc for each of many, in a time that grows with their number and the lists' together.
     virtual void RemoveDocs(const TListOf<TDicomDoc>& docs) = 0;
+
+    // An element by which a document is looked up may have changed.
+    virtual void NoteIdentity(TDicomDoc* /*doc*/) {}
 
     // Takes in a document that has lost its place in the tree, so that it goes when the tree goes.
     virtual void KeepDoc(TDicomDoc* doc) = 0;

@@ -13,6 +13,7 @@ namespace Vantor {
 namespace {
 
 constexpr char kNoUID[] = "VANTxxxxUID";
+constexpr char kHasUID[] = "UID ";  // in front of an identity, which an empty UID is as well
 constexpr char kFirstSeriesNumber[] = "1";
 constexpr char kLowResolutionFolder[] = "QMAG";
 
@@ -38,6 +39,11 @@ bool TSeriesDoc::IsSameRecord(TDicomDoc* other) {
     if (other == this) return true;
     return other != nullptr && other->GetDocType() == kDocType &&
            HasSameText(*other, Tags::kSeriesInstanceUID);
+}
+
+std::string TSeriesDoc::GetIdentity() const {
+    const auto uid = PeekText(Tags::kSeriesInstanceUID);
+    return uid ? kHasUID + *uid : std::string();
 }
 
 void TSeriesDoc::CompleteRecord() {

@@ -17,6 +17,7 @@ namespace Vantor {
 namespace {
 
 constexpr char kNoUID[] = "VANT.ERROR.UID";
+constexpr char kHasUID[] = "UID ";  // in front of an identity, which an empty UID is as well
 constexpr char kNoTimeStudyID[] = "1";
 constexpr int kYearsOfACentury = 100;
 constexpr size_t kStudyIDSize = 32;
@@ -60,6 +61,11 @@ bool TStudyDoc::IsSameRecord(TDicomDoc* other) {
     if (other == this) return true;
     return other != nullptr && other->GetDocType() == kDocType &&
            HasSameText(*other, Tags::kStudyInstanceUID);
+}
+
+std::string TStudyDoc::GetIdentity() const {
+    const auto uid = PeekText(Tags::kStudyInstanceUID);
+    return uid ? kHasUID + *uid : std::string();
 }
 
 void TStudyDoc::CompleteRecord() {

@@ -25,6 +25,7 @@ class TStudyDoc final : public TParentDoc {
 
     // True for a study with the same Study Instance UID.
     bool IsSameRecord(TDicomDoc* other) override;
+    std::string GetIdentity() const override;
 
     // Also gives a study without Study ID one. Throws TException 102 "No Study Date" or "No Study Time".
     void CompleteRecord() override;

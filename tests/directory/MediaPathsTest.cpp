@@ -34,8 +34,8 @@ TEST(MediaPaths, OnWindows) {
         {"\\\\srv\\share\\DICOMDIR", false, "\\\\srv\\share\\IMAGES\\1", "\\\\srv\\share\\Exams"},
         // Folders that are called after the file.
         {"D:\\dicomdirs\\DICOMDIR", false, "D:\\dicomdirs\\IMAGES\\1", "D:\\dicomdirs\\Exams"},
-        {"D:\\DICOMDIR", true, "D:\\DICOMDIR\\IMAGES\\1", ""},
-        {"D:\\Folder", true, "D:\\Folder\\IMAGES\\1", ""},
+        {"D:\\DICOMDIR", true, "D:\\DICOMDIR\\IMAGES\\1", "D:\\DICOMDIR\\Exams"},
+        {"D:\\Folder", true, "D:\\Folder\\IMAGES\\1", "D:\\Folder\\Exams"},
         {"C:DICOMDIR", false, "C:IMAGES\\1", "C:Exams"},
         // A name alone is looked for where the process is.
         {"DICOMDIR", false, "IMAGES\\1", ""}};

@@ -1,0 +1,175 @@
+#include "directory/TFolderDirectory.h"
+
+#include <string_view>
+#include <utility>
+
+#include "dicom/TException.h"
+#include "directory/MediaPlaces.h"
+#include "platform/FileException.h"
+#include "platform/FileSystem.h"
+#include "platform/PathStyle.h"
+
+namespace Vantor {
+
+namespace {
+
+constexpr char kDirectoryFileName[] = "DICOMDIR";
+constexpr uint32_t kLongestSeriesNumber = 20;
+constexpr uint32_t kKeptWord = 0xFFFF;
+
+const Platform::PathStyle& Style() { return Platform::PathStyle::OfPlatform(); }
+
+std::string Join(std::string folder, std::string_view name) {
+    if (!Style().EndsFolder(folder)) folder += Style().GetSeparator();
+    return folder.append(name);
+}
+
+// Separators at the end would name nothing where a time is asked for; that of a root is part of its name.
+std::string WithoutSeparators(std::string path) {
+    const auto isRoot = [&path] { return path.size() <= 1 || Style().DriveEnd(path) == path.size() - 1; };
+    while (!isRoot() && Style().IsSeparator(path.back())) path.pop_back();
+    return path;
+}
+
+bool IsFile(const std::string& path) { return Platform::PathExists(path) && !Platform::IsFolder(path); }
+
+// The files of a folder without regard to what looks like a full path but leads elsewhere.
+class FolderPlaces final : public MediaPlaces {
+  public:
+    FolderPlaces(uintptr_t owner, const TFileSpec& spec, MediaPaths paths, std::string singleFile)
+        : MediaPlaces(owner, spec, std::move(paths)), fSingleFile(std::move(singleFile)) {}
+
+    TFileSpec Find(std::string_view fileID) const override {
+        if (!fSingleFile.empty()) return MakeSpec(fSingleFile);
+        const bool isFull = !GetPaths().MakeFileID(fileID).empty();
+        return MakeSpec(isFull ? std::string(fileID) : GetPaths().MakePathBelow(fileID));
+    }
+
+  private:
+    std::string fSingleFile;  // empty for a folder
+};
+
+}  // namespace
+
+TFolderDirectory::TFolderDirectory(const TFileSpec& fileSpec)
+    : TDicomDirectory(fileSpec, 0, kFolderDirectory), fHasDICOMDIR(true) {
+    SetFolderpath(std::string(Style().FolderPart(fileSpec.fPath)));
+    ReadDirectory();
+}
+
+TFolderDirectory::TFolderDirectory(const std::string& path, const char* directoryName, int32_t mode)
+    : TDicomDirectory(TFileSpec(), 0, kFolderDirectory), fMode(mode) {
+    SetDirName(directoryName);
+    SetDirName("");
+    const std::string folder = mode == kSingleFile ? std::string(Style().FolderPart(path)) : path;
+    SetFolderpath(folder);
+    const std::string directoryPath = Join(path, kDirectoryFileName);
+    fHasDICOMDIR = mode != kSingleFile && IsFile(directoryPath);
+    const std::string filePath = fHasDICOMDIR ? directoryPath : WithoutSeparators(path);
+    if (!TFileSpec::FitsPath(filePath)) return;
+    *GetFileSpec() = TFileSpec(filePath);
+    if (fHasDICOMDIR) {
+        OpenDICOMDIR();
+    } else {
+        ScanAnew();
+    }
+}
+
+void TFolderDirectory::OpenDICOMDIR() {
+    try {
+        ReadDirectory();
+    } catch (TException* thrown) {
+        const std::unique_ptr<TException> error(thrown);
+    } catch (const std::exception&) {
+        // A directory without documents.
+    }
+    CloseFile();
+}
+
+bool TFolderDirectory::ReloadIfChanged() {
+    if (IsCurrent()) return false;
+    if (fHasDICOMDIR) return TDicomDirectory::ReloadIfChanged();
+    ScanAnew();
+    return false;
+}
+
+// ---- Looking through the files ----
+
+// The time is noted first: what is changed meanwhile is looked at again next time.
+void TFolderDirectory::ScanAnew() {
+    UpdateModTime();
+    ClearLists();
+    ScanFiles();
+    NumberSeries();
+}
+
+void TFolderDirectory::ScanFiles() {
+    if (fMode != kSingleFile) return EnterFilesBelow(GetFolderPath(), SeriesNumbers::kLater);
+    try {
+        EnterFile(GetFullPath(), SeriesNumbers::kLater);
+    } catch (TException* thrown) {
+        // It lacks what a record must have.
+        const std::unique_ptr<TException> error(thrown);
+    }
+}
+
+void TFolderDirectory::NumberSeries() {
+    for (TStudyDoc* study : *GetStudyDocs()) {
+        int32_t place = 0;
+        for (TSeriesDoc* series : *study->GetSeriesDocs()) {
+            ++place;
+            char number[kLongestSeriesNumber + 1];
+            const bool isNumbered = series->GetSeriesNumber(number, sizeof(number));
+            if (!isNumbered) series->SetSeriesNumber(std::to_string(place).c_str());
+        }
+    }
+}
+
+void TFolderDirectory::RemoveAllDocs() { ClearLists(); }
+
+// ---- The folder ----
+
+std::shared_ptr<const MediaPlaces> TFolderDirectory::MakePlaces() {
+    TFileSpec spec = *GetFileSpec();
+    spec.fWord &= kKeptWord;
+    return std::make_shared<const FolderPlaces>(reinterpret_cast<uintptr_t>(this), spec,
+                                                MediaPaths(Style(), GetFolderPath(), true),
+                                                fMode == kSingleFile ? GetFullPath() : std::string());
+}
+
+void TFolderDirectory::CreateImageFolder(const std::string& name) {
+    const std::string folder = Join(GetFolderPath(), Style().NameToMake(name));
+    Platform::MakeFolderIfMissing(folder);
+    SetImageFolder(folder);
+    SetImageFolderName(('\\' + name).c_str());
+}
+
+void TFolderDirectory::CreateDICOMDIR() {
+    const TFileSpec before = *GetFileSpec();
+    const std::string path = Join(GetFolderPath(), kDirectoryFileName);
+    if (!TFileSpec::FitsPath(path)) {
+        throw Platform::FileException(Platform::FileException::Cause::kBadPath, 0, path);
+    }
+    *GetFileSpec() = TFileSpec(path);
+    try {
+        CreateEmptyDICOMDIR();
+    } catch (...) {
+        *GetFileSpec() = before;
+        throw;
+    }
+    fHasDICOMDIR = true;
+    fMode = kFolder;  // the file IDs count from here on
+}
+
+void TFolderDirectory::WriteDICOMDIR() {
+    if (!fHasDICOMDIR) return;
+    try {
+        TDicomDirectory::WriteDICOMDIR();
+    } catch (TException* thrown) {
+        const std::unique_ptr<TException> error(thrown);
+    } catch (const std::exception&) {
+        // The old content is still there.
+    }
+}
+
+}  // namespace Vantor

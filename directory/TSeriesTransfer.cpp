@@ -1,0 +1,311 @@
+#include "directory/TSeriesTransfer.h"
+
+#include <algorithm>
+#include <chrono>
+#include <exception>
+#include <new>
+#include <string>
+#include <utility>
+
+#include "dicom/TException.h"
+#include "dicom/TSRFile.h"
+#include "dicom/TTextUtil.h"
+#include "directory/TDicomDirectory.h"
+#include "platform/Clock.h"
+#include "platform/FileException.h"
+#include "platform/FileSystem.h"
+#include "platform/PathStyle.h"
+#include "records/TImageDoc.h"
+#include "records/TPatientDoc.h"
+#include "records/TSR_Doc.h"
+#include "records/TSeriesDoc.h"
+#include "records/TStudyDoc.h"
+
+namespace Vantor {
+
+namespace {
+
+constexpr int64_t kKilobyte = 1024;
+constexpr uint32_t kLongestText = 256;
+
+constexpr int kMoveTries = 6;
+constexpr std::chrono::milliseconds kRestBetweenTries(1000);
+
+constexpr char kNotOpened[] = "Can not open DICOMDIR for updating.";
+
+// False when an operation on the source fails, which only costs that file.
+template <typename Operation>
+bool OnSource(Operation operation) {
+    try {
+        operation();
+        return true;
+    } catch (TException* thrown) {
+        const std::unique_ptr<TException> error(thrown);
+    } catch (const std::exception&) {
+        // The next file may be a better one.
+    }
+    return false;
+}
+
+bool HasStudyID(const TStudyDoc& study) {
+    char studyID[kLongestText + 1];
+    return study.GetStudyID(studyID, sizeof(studyID)) && studyID[0] != '\0';
+}
+
+// The studies that a document's files may belong to, from the last to the first.
+std::vector<TStudyDoc*> StudiesOf(TDicomDoc& doc) {
+    switch (doc.GetDocType()) {
+        case TDicomDoc::kPatient: {
+            const TListOf<TStudyDoc>& studies = *static_cast<TPatientDoc&>(doc).GetStudyDocs();
+            return {studies.rbegin(), studies.rend()};
+        }
+        case TDicomDoc::kStudy:
+            return {static_cast<TStudyDoc*>(&doc)};
+        case TDicomDoc::kSeries: {
+            TStudyDoc* const study = static_cast<TSeriesDoc&>(doc).GetStudy();
+            return study == nullptr ? std::vector<TStudyDoc*>() : std::vector<TStudyDoc*>{study};
+        }
+        default:
+            return {};
+    }
+}
+
+bool HasUID(const TStudyDoc& study, const char* uid) {
+    char studyUID[kLongestText + 1];
+    return study.GetStudyUID(studyUID, sizeof(studyUID)) && TTextUtil().EqualStrings(studyUID, uid);
+}
+
+// The document of a class that is the same instance.
+template <typename Doc>
+TDicomDoc* FindInstance(TDicomDirectory& directory, std::unique_ptr<Doc> wanted, TDicomFile& file) {
+    TUidText uid;
+    if (file.GetSOPClassUID(uid.fText)) wanted->SetSOPClassUID(uid.fText);
+    if (file.GetSOPInstanceUID(uid.fText)) wanted->SetSOPInstanceUID(uid.fText);
+    return directory.FindDoc(wanted.get());
+}
+
+std::vector<uint8_t> AllocateBuffer(uint32_t size) {
+    try {
+        return std::vector<uint8_t>(size);
+    } catch (const std::bad_alloc&) {
+        throw new TException(ErrorNumbers::kDataSetMemory, "Can not allocate transfer memory");
+    }
+}
+
+}  // namespace
+
+TSeriesTransfer::TSeriesTransfer(TDicomDirectory& destination, uint32_t bufferSize)
+    : fDestination(destination), fBuffer(AllocateBuffer(bufferSize)) {}
+
+void TSeriesTransfer::SetDoc(TDicomDoc* doc) {
+    Reset();
+    fDoc = doc;
+    if (doc != nullptr) doc->CollectFiles(fFiles);
+}
+
+void TSeriesTransfer::Reset() {
+    CloseFiles();
+    fFiles.RemoveAllItems();
+    fDoc = nullptr;
+    fState = State::kStart;
+}
+
+void TSeriesTransfer::CloseFiles() {
+    if (fState != State::kCopying) return;
+    fSource->CloseFile();
+    fCopy->CloseFile();
+}
+
+bool TSeriesTransfer::Step(int32_t timeBudget, int32_t& doneKB, int32_t& totalKB, char* message) {
+    if (fDoc == nullptr) return false;
+    switch (fState) {
+        case State::kStart:
+            Start(doneKB, totalKB);
+            return false;
+        case State::kOpenFile:
+            OpenNextFile();
+            return false;
+        case State::kCopying:
+            Copy(timeBudget, doneKB);
+            return false;
+        default:
+            Finish(message);
+            return true;
+    }
+}
+
+void TSeriesTransfer::Start(int32_t& doneKB, int32_t& totalKB) {
+    if (fFiles.GetCount() == 0) {
+        fState = State::kFinish;
+        return;
+    }
+    totalKB = fDoc->GetDiskSpace();
+    doneKB = 0;
+    fFileIndex = 1;
+    fFiles.FetchItemAt(fFileIndex, fSource);
+    fCopy.reset();
+    fState = State::kOpenFile;
+}
+
+// ---- One file ----
+
+void TSeriesTransfer::OpenNextFile() {
+    OnSource([this] { RepairStudyID(); });
+    const auto* const report = dynamic_cast<const TSRFile*>(fSource);
+    char fileID[TFileSpec::kPathSize];
+    uint32_t length = 0;
+    fDestination.MakeNextFileName(fileID, length, report == nullptr ? 0 : report->GetKind());
+    TFileSpec fileSpec;
+    fDestination.MakeFileSpec({fileID, length}, fileSpec);
+    if (!OnSource([this] { fSource->OpenFile(Platform::FileAccess::kRead); })) return GoOn();
+    fFileSize = fSource->GetFileSize();
+    try {
+        CreateCopy(fileSpec);
+    } catch (...) {
+        fSource->CloseFile();
+        throw;
+    }
+    fBytesCopied = 0;
+    fState = State::kCopying;
+}
+
+// A record without Study ID is given that of the first file that has one. Files are only looked into while
+// there is such a study.
+void TSeriesTransfer::RepairStudyID() {
+    const std::vector<TStudyDoc*> studies = StudiesOf(*fDoc);
+    const bool areComplete = std::all_of(studies.begin(), studies.end(),
+                                         [](const TStudyDoc* study) { return HasStudyID(*study); });
+    const TDicomDataSet* const elements = areComplete ? nullptr : fSource->GetDataSet();
+    char uid[kLongestText + 1];
+    char studyID[kLongestText + 1];
+    if (elements == nullptr || !elements->GetText(Tags::kStudyInstanceUID, uid, sizeof(uid)) ||
+        !elements->GetText(Tags::kStudyID, studyID, sizeof(studyID)) || uid[0] == '\0' ||
+        studyID[0] == '\0' || TTextUtil().EqualStrings(uid, fLastStudyUID.fText)) {
+        return;
+    }
+    fLastStudyUID.Set(uid);
+    const bool isOneOfMany = fDoc->GetDocType() == TDicomDoc::kPatient;
+    const auto study = std::find_if(studies.begin(), studies.end(), [&](const TStudyDoc* candidate) {
+        return !isOneOfMany || HasUID(*candidate, uid);
+    });
+    if (study == studies.end() || HasStudyID(**study)) return;
+    (*study)->SetStudyID(studyID);
+    (*study)->SetModified(true);
+}
+
+void TSeriesTransfer::CreateCopy(const TFileSpec& fileSpec) {
+    const Platform::PathStyle& style = Platform::PathStyle::OfPlatform();
+    std::string folder(style.FolderPart(fileSpec.fPath));
+    if (!folder.empty()) folder.pop_back();
+    if (!folder.empty()) Platform::MakeFolderIfMissing(folder);
+    fCopy = std::make_unique<TDicomFile>(reinterpret_cast<uintptr_t>(&fDestination), fileSpec, 0,
+                                         fSource->GetFirstValue(), fSource->GetSecondValue());
+    TUidText uid;
+    if (fSource->GetSOPClassUID(uid.fText)) fCopy->SetSOPClassUID(uid.fText);
+    if (fSource->GetSOPInstanceUID(uid.fText)) fCopy->SetSOPInstanceUID(uid.fText);
+    fCopy->CreateEmptyFile(fSource->IsExplicit(), fSource->IsBigEndian());
+    fCopy->OpenFile(Platform::FileAccess::kReadWrite);
+}
+
+void TSeriesTransfer::Copy(int32_t timeBudget, int32_t& doneKB) {
+    Platform::Clock& clock = Platform::Clock::Current();
+    const auto start = clock.Now();
+    do {
+        CopyChunk(doneKB);
+    } while (fState == State::kCopying && clock.Now() - start < std::chrono::milliseconds(timeBudget));
+}
+
+void TSeriesTransfer::CopyChunk(int32_t& doneKB) {
+    const auto count =
+        static_cast<size_t>(std::min(fFileSize - fBytesCopied, static_cast<int64_t>(fBuffer.size())));
+    const bool isRead = OnSource([this, count] {
+        if (fSource->ReadNext(fBuffer.data(), count) == count) return;
+        throw Platform::FileException(Platform::FileException::Cause::kEndOfFile, 0,
+                                      fSource->GetFileSpec()->fPath);
+    });
+    if (!isRead) {
+        CloseFiles();
+        return GoOn();
+    }
+    try {
+        fCopy->WriteNext(fBuffer.data(), count);
+    } catch (...) {
+        CloseFiles();
+        fState = State::kOpenFile;
+        throw;
+    }
+    fBytesCopied += static_cast<int64_t>(count);
+    doneKB += static_cast<int32_t>(static_cast<int64_t>(count) / kKilobyte);
+    if (fBytesCopied == fFileSize) EndFile();
+}
+
+void TSeriesTransfer::EndFile() {
+    CloseFiles();
+    if (HoldsInstance()) {
+        MoveOntoSource();
+    } else {
+        fDestination.RegisterDicomFile(std::move(fCopy));
+    }
+    GoOn();
+}
+
+// To the next file, or to the end.
+void TSeriesTransfer::GoOn() {
+    fCopy.reset();
+    if (fFileIndex == fFiles.GetCount()) {
+        fState = State::kFinish;
+        return;
+    }
+    ++fFileIndex;
+    fFiles.FetchItemAt(fFileIndex, fSource);
+    fState = State::kOpenFile;
+}
+
+// True when the directory has a record of the file already, which then goes on naming the file that it names.
+bool TSeriesTransfer::HoldsInstance() {
+    if (fDoc->GetDirectory() == &fDestination && fDestination.FindDoc(fDoc) != nullptr) return true;
+    return FindInstance(fDestination, std::make_unique<TImageDoc>(nullptr, nullptr, 0), *fSource) !=
+               nullptr ||
+           FindInstance(fDestination, std::make_unique<TSR_Doc>(nullptr, nullptr), *fSource) != nullptr;
+}
+
+// A file that others are just looking at is free again in a moment; one that cannot be replaced stays what it
+// was.
+void TSeriesTransfer::MoveOntoSource() {
+    for (int tries = 1;; ++tries) {
+        try {
+            return Platform::MoveFileReplacing(fCopy->GetFileSpec()->fPath, fSource->GetFileSpec()->fPath);
+        } catch (const Platform::FileException&) {
+            if (tries == kMoveTries) return;
+        }
+        Platform::Clock::Current().Sleep(kRestBetweenTries);
+    }
+}
+
+// ---- The records ----
+
+void TSeriesTransfer::Finish(char* message) {
+    const bool isOpen = fDestination.OpenForUpdating();
+    if (!isOpen) TTextUtil().CopyCString(kNotOpened, message, TDicomDirectory::kMessageSize);
+    int32_t stop = 0;
+    TDicomDoc* const imported = fDestination.FindOrCreateDoc(fDoc, stop);
+    if (isOpen && imported != nullptr && stop == 0) AddMissingDocs(*fDoc, *imported, stop);
+    fDestination.AfterTransfer(imported, fDoc);
+    fState = State::kStart;
+}
+
+// What is below a document that the directory does not know comes with it.
+void TSeriesTransfer::AddMissingDocs(TDicomDoc& source, TDicomDoc& target, int32_t& stop) {
+    TListOf<TDicomDoc> children;
+    source.GetChildDocs(children, true);
+    for (TDicomDoc* child : children) {
+        if (stop != 0) return;
+        if (TDicomDoc* const known = fDestination.FindDoc(child); known != nullptr) {
+            AddMissingDocs(*child, *known, stop);
+        } else {
+            target.AddChild(child, nullptr, true, stop);
+        }
+    }
+}
+
+}  // namespace Vantor
