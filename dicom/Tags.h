@@ -31,6 +31,7 @@ inline constexpr Tag kNextRecordOffset{0x0004, 0x1400};
 inline constexpr Tag kRecordInUseFlag{0x0004, 0x1410};
 inline constexpr Tag kLowerLevelOffset{0x0004, 0x1420};
 inline constexpr Tag kDirectoryRecordType{0x0004, 0x1430};
+inline constexpr Tag kPrivateRecordUID{0x0004, 0x1432};
 inline constexpr Tag kReferencedFileID{0x0004, 0x1500};
 inline constexpr Tag kReferencedSOPClassUIDInFile{0x0004, 0x1510};
 inline constexpr Tag kReferencedSOPInstanceUIDInFile{0x0004, 0x1511};

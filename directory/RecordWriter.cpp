@@ -21,6 +21,8 @@ constexpr uint32_t kLongestShortValue = 0xFFFE;
 constexpr uint32_t kLongestCodeString = 256;
 constexpr uint16_t kInUse = 0xFFFF;
 
+constexpr size_t kUsualElements = 16;  // of a record
+
 constexpr uint32_t kGrowDivisor = 4;
 constexpr uint32_t kSmallestGrowth = 16384;
 
@@ -43,7 +45,7 @@ constexpr KnownElement kKnownElements[] = {
     {Tags::kRecordInUseFlag, Vr::kUS},
     {Tags::kLowerLevelOffset, Vr::kUL},
     {Tags::kDirectoryRecordType, Vr::kCS},
-    {{0x0004, 0x1432}, Vr::kUI},  // Private Record UID
+    {Tags::kPrivateRecordUID, Vr::kUI},
     {Tags::kReferencedFileID, Vr::kCS},
     {{0x0004, 0x1504}, Vr::kUL},  // MRDR Directory Record Offset
     {Tags::kReferencedSOPClassUIDInFile, Vr::kUI},
@@ -180,17 +182,6 @@ TDicomDataSet Part(TDicomDataSet& dataSet, int32_t offset, int32_t end) {
     return {dataSet.IsExplicit(), dataSet.IsBigEndian(), dataSet.GetDataSet() + offset, size, size};
 }
 
-// Where the elements behind the records start. A sequence that breaks off has none behind it.
-int32_t EndOfRecords(const TDicomDataSet& dataSet, int32_t sequenceOffset) {
-    try {
-        const int32_t end = dataSet.GetNextElementOffset(sequenceOffset);
-        return end == 0 ? dataSet.GetDataSetSize() : std::min(end, dataSet.GetDataSetSize());
-    } catch (TException* thrown) {
-        const std::unique_ptr<TException> error(thrown);
-        return dataSet.GetDataSetSize();
-    }
-}
-
 size_t SizeOf(const std::vector<TDicomDoc*>& docs) {
     size_t size = 0;
     for (TDicomDoc* doc : docs) {
@@ -219,19 +210,17 @@ std::unique_ptr<TDicomDataSet> RecordWriter::Write(TDicomDataSet* present,
                                                    uintptr_t context) {
     TDicomDataSet none(true, false, nullptr, 0, 0);
     TDicomDataSet& others = present == nullptr ? none : *present;
-    int32_t sequenceOffset = others.GetDataSetSize();
-    int32_t end = sequenceOffset;
-    if (others.FindElement(Tags::kDirectoryRecordSequence, nullptr, nullptr, nullptr, 0, &sequenceOffset)) {
-        end = EndOfRecords(others, sequenceOffset);
-    }
+    const std::vector<Element> elements = ElementsOf(others);
+    const auto records = std::lower_bound(elements.begin(), elements.end(), Tags::kDirectoryRecordSequence,
+                                          [](const Element& element, Tag tag) { return element.fTag < tag; });
+    const bool hasRecords = records != elements.end() && records->fTag == Tags::kDirectoryRecordSequence;
     fBytes.clear();
-    fBytes.reserve(SizeOf(rootDocs) + static_cast<size_t>(sequenceOffset) + kSmallestGrowth);
+    fBytes.reserve(SizeOf(rootDocs) + kSmallestGrowth);
 
     Generated roots[] = {{Tags::kFirstRootRecordOffset, Vr::kUL},
                          {Tags::kLastRootRecordOffset, Vr::kUL},
                          {Tags::kFileSetConsistencyFlag, Vr::kUS}};
-    TDicomDataSet front = Part(others, 0, sequenceOffset);
-    AppendElements(front, roots);
+    AppendElements(others, {elements.begin(), records}, roots);
     AppendHeader(Tags::kDirectoryRecordSequence, Vr::kSQ, 0);
     const size_t start = fBytes.size();
     if (const auto last = AppendRecords(rootDocs)) {
@@ -239,8 +228,7 @@ std::unique_ptr<TDicomDataSet> RecordWriter::Write(TDicomDataSet* present,
         SetOffset(roots[1].fPosition, *last);
     }
     SetNumber(start - kNumberSize, fBytes.size() - start);
-    TDicomDataSet back = Part(others, end, others.GetDataSetSize());
-    AppendElements(back, {});
+    AppendElements(others, {records + (hasRecords ? 1 : 0), elements.end()}, {});
 
     const auto size = static_cast<uint32_t>(fBytes.size());
     auto dataSet = std::make_unique<TDicomDataSet>(
@@ -266,7 +254,7 @@ std::optional<size_t> RecordWriter::AppendRecords(const std::vector<TDicomDoc*>&
                              {Tags::kRecordInUseFlag, Vr::kUS, inUse},
                              {Tags::kLowerLevelOffset, Vr::kUL}};
         const size_t start = BeginItem();
-        AppendElements(record, links);
+        AppendElements(record, ElementsOf(record), links);
         EndItem(start);
         if (last) SetOffset(nextOfLast, start);
         last = start;
@@ -279,19 +267,40 @@ std::optional<size_t> RecordWriter::AppendRecords(const std::vector<TDicomDoc*>&
 
 // ---- Elements ----
 
-void RecordWriter::AppendElements(TDicomDataSet& elements, std::span<Generated> generated, int32_t nesting) {
-    auto next = generated.begin();
-    Tag tag;
-    VrCode vr = 0;
-    uint32_t length = 0;
-    int32_t offset = TDicomDataSet::kFromStart;
-    while (elements.GetNextElement(offset, &tag.fGroup, &tag.fElement, &vr, &length, nullptr, 0, &offset)) {
-        for (; next != generated.end() && next->fTag < tag; ++next) AppendGenerated(*next);
-        const bool isReplaced = std::any_of(generated.begin(), generated.end(),
-                                            [tag](const Generated& other) { return other.fTag == tag; });
-        if (!isReplaced && tag.fElement != kGroupLength) {
-            AppendElement(elements, offset, tag, vr, length, nesting);
+// In the order of their tags, without group lengths, and of several with the same tag the last. Behind damage
+// there is nothing, and an item that stands where an element belongs is none.
+std::vector<RecordWriter::Element> RecordWriter::ElementsOf(const TDicomDataSet& dataSet) {
+    std::vector<Element> elements;
+    elements.reserve(kUsualElements);
+    Element next = {};
+    next.fOffset = TDicomDataSet::kFromStart;
+    try {
+        while (dataSet.GetNextElement(next.fOffset, &next.fTag.fGroup, &next.fTag.fElement, &next.fVr,
+                                      &next.fLength, nullptr, 0, &next.fOffset)) {
+            const bool isElement =
+                next.fTag.fElement != kGroupLength && next.fTag.fGroup != Tags::kItem.fGroup;
+            if (isElement) elements.push_back(next);
         }
+    } catch (TException* thrown) {
+        const std::unique_ptr<TException> error(thrown);
+    }
+    const auto isBefore = [](const Element& a, const Element& b) { return a.fTag < b.fTag; };
+    const auto isNotBefore = [](const Element& a, const Element& b) { return !(a.fTag < b.fTag); };
+    if (std::adjacent_find(elements.begin(), elements.end(), isNotBefore) == elements.end()) return elements;
+    std::stable_sort(elements.begin(), elements.end(), isBefore);
+    const auto first = std::unique(elements.rbegin(), elements.rend(),
+                                   [](const Element& a, const Element& b) { return a.fTag == b.fTag; });
+    elements.erase(elements.begin(), first.base());
+    return elements;
+}
+
+void RecordWriter::AppendElements(TDicomDataSet& dataSet, std::span<const Element> elements,
+                                  std::span<Generated> generated, int32_t nesting) {
+    auto next = generated.begin();
+    for (const Element& element : elements) {
+        for (; next != generated.end() && next->fTag < element.fTag; ++next) AppendGenerated(*next);
+        const bool isReplaced = next != generated.end() && next->fTag == element.fTag;
+        if (!isReplaced) AppendElement(dataSet, element, nesting);
     }
     for (; next != generated.end(); ++next) AppendGenerated(*next);
     constexpr auto kMost = static_cast<size_t>(TDicomDataSet::kDefaultMaximumSize);
@@ -300,33 +309,33 @@ void RecordWriter::AppendElements(TDicomDataSet& elements, std::span<Generated> 
     }
 }
 
-void RecordWriter::AppendElement(TDicomDataSet& elements, int32_t offset, Tag tag, VrCode vr, uint32_t length,
-                                 int32_t nesting) {
-    const bool isLong = elements.IsExplicit() && Vr::HasLongHeader(vr);
-    if (!elements.IsExplicit()) vr = KnownVr(tag);
+void RecordWriter::AppendElement(TDicomDataSet& dataSet, const Element& element, int32_t nesting) {
+    const bool isLong = dataSet.IsExplicit() && Vr::HasLongHeader(element.fVr);
+    VrCode vr = dataSet.IsExplicit() ? element.fVr : KnownVr(element.fTag);
     if (vr == Vr::kSQ && nesting < TDicomDataSet::kDeepestNesting) {
-        AppendHeader(tag, vr, 0);
+        AppendHeader(element.fTag, vr, 0);
         const size_t start = fBytes.size();
-        AppendItems(elements, offset, nesting + 1);
+        AppendItems(dataSet, element.fOffset, nesting + 1);
         SetNumber(start - kNumberSize, fBytes.size() - start);
         return;
     }
-    const auto valueOffset = static_cast<uint32_t>(offset) + (isLong ? kLongHeaderSize : kShortHeaderSize);
-    const auto end = static_cast<uint32_t>(elements.GetDataSetSize());
-    length = std::min(length, end - std::min(valueOffset, end));
+    const auto offset =
+        static_cast<uint32_t>(element.fOffset) + (isLong ? kLongHeaderSize : kShortHeaderSize);
+    const auto end = static_cast<uint32_t>(dataSet.GetDataSetSize());
+    const uint32_t length = std::min(element.fLength, end - std::min(offset, end));
     // Too long for the header that it should have.
     if (!Vr::HasLongHeader(vr) && length > kLongestShortValue) vr = Vr::kUN;
-    AppendHeader(tag, vr, length + length % 2);
-    AppendValue(elements.GetDataSet() + valueOffset, length, vr, elements.IsBigEndian());
+    AppendHeader(element.fTag, vr, length + length % 2);
+    AppendValue(dataSet.GetDataSet() + offset, length, vr, dataSet.IsBigEndian());
 }
 
-void RecordWriter::AppendItems(TDicomDataSet& elements, int32_t sequenceOffset, int32_t nesting) {
+void RecordWriter::AppendItems(TDicomDataSet& dataSet, int32_t sequenceOffset, int32_t nesting) {
     int32_t itemOffset = TDicomDataSet::kFromStart;
     uint32_t itemLength = 0;
-    while (elements.FindNextItem(sequenceOffset, itemOffset, itemLength, &itemOffset, &itemLength)) {
-        TDicomDataSet item = Part(elements, itemOffset, itemOffset + static_cast<int32_t>(itemLength));
+    while (dataSet.FindNextItem(sequenceOffset, itemOffset, itemLength, &itemOffset, &itemLength)) {
+        TDicomDataSet item = Part(dataSet, itemOffset, itemOffset + static_cast<int32_t>(itemLength));
         const size_t start = BeginItem();
-        AppendElements(item, {}, nesting);
+        AppendElements(item, ElementsOf(item), {}, nesting);
         EndItem(start);
     }
 }

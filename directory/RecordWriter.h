@@ -24,8 +24,7 @@ class RecordWriter {
 
     // The data set with the documents as its records. What else `present` has stays; it may be null. The
     // offsets in the documents' own records are left alone: they are those of the file that they came from.
-    // Throws what completing a record throws, TException 100 for more than a data set can hold, and 101 or
-    // 102 when `present` cannot be walked.
+    // Throws what completing a record throws, and TException 100 for more than a data set can hold.
     std::unique_ptr<TDicomDataSet> Write(TDicomDataSet* present, const std::vector<TDicomDoc*>& rootDocs,
                                          uintptr_t context);
 
@@ -38,11 +37,20 @@ class RecordWriter {
         size_t fPosition = 0;  // where its value is, once it is written
     };
 
+    // Where an element is in its data set.
+    struct Element {
+        Tag fTag;
+        VrCode fVr;
+        uint32_t fLength;
+        int32_t fOffset;
+    };
+
+    static std::vector<Element> ElementsOf(const TDicomDataSet& dataSet);
     std::optional<size_t> AppendRecords(const std::vector<TDicomDoc*>& docs);
-    void AppendElements(TDicomDataSet& elements, std::span<Generated> generated, int32_t nesting = 0);
-    void AppendElement(TDicomDataSet& elements, int32_t offset, Tag tag, VrCode vr, uint32_t length,
-                       int32_t nesting);
-    void AppendItems(TDicomDataSet& elements, int32_t sequenceOffset, int32_t nesting);
+    void AppendElements(TDicomDataSet& dataSet, std::span<const Element> elements,
+                        std::span<Generated> generated, int32_t nesting = 0);
+    void AppendElement(TDicomDataSet& dataSet, const Element& element, int32_t nesting);
+    void AppendItems(TDicomDataSet& dataSet, int32_t sequenceOffset, int32_t nesting);
     void AppendValue(const uint8_t* value, uint32_t length, VrCode vr, bool isBigEndian);
     void AppendGenerated(Generated& generated);
     void AppendHeader(Tag tag, VrCode vr, uint32_t length);

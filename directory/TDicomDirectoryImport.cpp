@@ -7,6 +7,7 @@ namespace Vantor {
 
 void TDicomDirectory::SetImportDocs(const TListOf<TDicomDoc>& docs) {
     for (TDicomDoc* doc : docs) {
+        if (doc == nullptr) continue;
         fDocsToMove.InsertItemAt(fDocsToMove.kAtEnd, doc);
         doc->Register();
     }

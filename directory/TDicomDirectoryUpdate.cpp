@@ -202,6 +202,8 @@ TDicomDoc* TDicomDirectory::AddFile(const std::string& path) {
 TDicomDoc* TDicomDirectory::EnterFile(const std::string& path, SeriesNumbers numbers) {
     const TFileSpec fileSpec(path);
     if (path.size() >= kPathTooLong || !GetPlaces().IsInside(fileSpec)) return nullptr;
+    // While it is open for updating, to look into the DICOMDIR would be to wait for ourselves.
+    if (IsOpen() && Platform::IsSameFile(path, fFileSpec.fPath)) return nullptr;
     const std::unique_ptr<FileToEnter> file = FileToEnter::Read(fileSpec);
     if (file == nullptr) return nullptr;
     char fileID[TFileSpec::kPathSize] = {};

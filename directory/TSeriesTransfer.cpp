@@ -100,6 +100,7 @@ TSeriesTransfer::TSeriesTransfer(TDicomDirectory& destination, uint32_t bufferSi
 void TSeriesTransfer::SetDoc(TDicomDoc* doc) {
     Reset();
     fDoc = doc;
+    fLastStudyUID.Clear();
     if (doc != nullptr) doc->CollectFiles(fFiles);
 }
 

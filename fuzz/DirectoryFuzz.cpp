@@ -1,5 +1,5 @@
 // Arbitrary bytes as a DICOMDIR: everything that comes out is walked, sorted, copied to another directory,
-// held across a refresh and beyond the directory.
+// held across a refresh and beyond the directory, and written until nothing changes any more.
 
 #include <cstdlib>
 
@@ -85,6 +85,19 @@ void CopyTo(TDicomDirectory& target, TDicomDirectory& source) {
     });
 }
 
+VantorTest::Bytes Rewrite(VantorTest::MemoryStorage& storage) {
+    TDicomDirectory directory(TFileSpec("DICOMDIR", &storage), 0);
+    if (directory.OpenForUpdating()) directory.WriteDICOMDIR();
+    return storage.GetContent("DICOMDIR");
+}
+
+// The first time damage is left behind, and code strings in upper case make some records others.
+void WriteUntilStable(VantorTest::MemoryStorage& storage) {
+    Rewrite(storage);
+    const VantorTest::Bytes written = Rewrite(storage);
+    if (Rewrite(storage) != written) std::abort();
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -103,6 +116,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         WalkAll(directory);
         directory.ClearAllDocs();
     });
+    VantorFuzz::Run([&] { WriteUntilStable(storage); });
     if (held != nullptr) {
         held->GetDataSet();
         held->Release();

@@ -108,6 +108,29 @@ void WriteCopies(const SeedFolder& seeds, const std::string& name, const Bytes& 
     }
 }
 
+// A file of each kind that a directory tells apart.
+void WriteEntered(const SeedFolder& seeds, const Syntax& syntax) {
+    constexpr std::pair<const char*, const char*> kKinds[] = {
+        {FileBuilder::kSecondaryCapture, "US"}, {Uids::kBasicTextSR, "SR"}, {Uids::kRawDataStorage, "OT"}};
+    for (const auto& [sopClass, modality] : kKinds) {
+        for (const bool hasPixels : {false, true}) {
+            FileBuilder file(syntax.fUid, sopClass);
+            file.Data()
+                .Text(Tags::kSpecificCharacterSet, Vr::kCS, "ISO_IR 100")
+                .Text(Tags::kSOPClassUID, Vr::kUI, sopClass)
+                .Text(Tags::kSOPInstanceUID, Vr::kUI, "1.2.3")
+                .Text(Tags::kModality, Vr::kCS, modality)
+                .Text(Tags::kPatientName, Vr::kPN, "Doe^John")
+                .Text(Tags::kPatientID, Vr::kLO, "17")
+                .Text(Tags::kStudyInstanceUID, Vr::kUI, "1.2")
+                .Text(Tags::kSeriesInstanceUID, Vr::kUI, "1.2.1");
+            if (hasPixels) file.Data().Value(Tags::kPixelData, Vr::kOW, {1, 2});
+            seeds.Write("FileRecordsFuzz", syntax.fName + (modality + std::to_string(hasPixels)),
+                        file.Build());
+        }
+    }
+}
+
 void WriteFiles(const SeedFolder& seeds) {
     for (const Syntax& syntax : kSyntaxes) {
         const Bytes item = ElementBuilder(syntax.fUid).Text(Tags::kModality, Vr::kCS, "US").GetBytes();
@@ -116,6 +139,7 @@ void WriteFiles(const SeedFolder& seeds) {
         file.Data().Text({0x0028, 0x0008}, Vr::kIS, "2");
         for (const char* target : {"MetaHeaderFuzz", "SRReaderFuzz"})
             seeds.Write(target, syntax.fName, file.Build());
+        WriteEntered(seeds, syntax);
         file.Data().Value(Tags::kPixelData, Vr::kOW, {1, 2, 3, 4, 5, 6, 7, 8});
         seeds.Write("ImageReaderFuzz", syntax.fName, file.Build());
         WriteCopies(seeds, syntax.fName, file.Build());

@@ -32,6 +32,8 @@ std::unique_ptr<TDicomDoc> TPrivateDoc::MakeCopy(const TDicomDataSet* record, TR
 void TPrivateDoc::CompleteRecord() {
     TLeafDoc::CompleteRecord();
     SetRecordType("PRIVATE ");
+    if (HasElement(Tags::kPrivateRecordUID)) return;
+    ReferencedFile::SetUid(Record(), Tags::kPrivateRecordUID, Uids::kPrivateRecord);
 }
 
 }  // namespace Vantor

@@ -16,6 +16,8 @@ class TPrivateDoc final : public TLeafDoc {
 
     TDicomDoc* CopyToDirectory(TRecordDirectory* directory, TDicomDoc* parent, bool deep,
                                int32_t& error) override;
+
+    // Also says whose definition of a private record this is: readers refuse a directory without.
     void CompleteRecord() override;
 
   protected:
