@@ -100,7 +100,9 @@ class TDicomFile : public TIODSource {
     void WriteFile();
 
     // Bytes of the open file from where the last of these operations ended, at first its start: up to
-    // `count`, fewer only at the end. Failures name "image data" and "image file".
+    // `count`, fewer only at the end. Rewind goes back to the start. Failures name "image data" and "image
+    // file".
+    void Rewind() { SeekTo(OpenedFile(), 0); }
     size_t ReadNext(void* buffer, size_t count) { return ReadBytes(OpenedFile(), buffer, count); }
     void WriteNext(const void* bytes, size_t count) { WriteBytes(OpenedFile(), bytes, count); }
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "dicom/Attempt.h"
 #include "dicom/TImageFile.h"
 #include "dicom/TSRFile.h"
 #include "dicom/TTextUtil.h"
@@ -115,6 +116,11 @@ std::unique_ptr<TDicomDoc> NewInstance(const FileToEnter& file) {
     }
 }
 
+// False for a file that breaks off: what its last elements say would be made up.
+bool HasWholeElements(TDicomFile& file) {
+    return Succeeds([&file] { file.GetDataSet()->CountElements(); });
+}
+
 }  // namespace
 
 // An image file is not read beyond the elements in front of its pixels; another one has to be read whole.
@@ -131,6 +137,7 @@ std::unique_ptr<FileToEnter> FileToEnter::Read(const TFileSpec& fileSpec) {
         kind = isRawData ? Kind::kRawData : report->IsSRModality() ? Kind::kReport : Kind::kPrivate;
         file = std::move(report);
     }
+    if (!HasWholeElements(*file)) return nullptr;
     return std::unique_ptr<FileToEnter>(new FileToEnter(kind, std::move(file)));
 }
 

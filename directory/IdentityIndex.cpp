@@ -46,12 +46,12 @@ void IdentityIndex::Update(TDicomDoc* doc) {
     fDocs.emplace(place, doc);
 }
 
-TDicomDoc* IdentityIndex::Find(TDicomDoc* doc) const {
+TDicomDoc* IdentityIndex::Find(TDicomDoc* doc, const std::function<bool(const TDicomDoc&)>& counts) const {
     const auto identity = IdentityOf(*doc);
     if (!identity) return nullptr;
     for (auto next = fDocs.lower_bound({*identity, 0});
          next != fDocs.end() && next->first.fIdentity == *identity; ++next) {
-        if (next->second->IsSameRecord(doc)) return next->second;
+        if (next->second->IsSameRecord(doc) && counts(*next->second)) return next->second;
     }
     return nullptr;
 }

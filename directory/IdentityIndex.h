@@ -3,6 +3,7 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <unordered_map>
 
@@ -24,7 +25,7 @@ class IdentityIndex {
 
     // The first one that is the same record; null when there is none, and for a document that has nothing to
     // be looked up by.
-    TDicomDoc* Find(TDicomDoc* doc) const;
+    TDicomDoc* Find(TDicomDoc* doc, const std::function<bool(const TDicomDoc&)>& counts) const;
 
   private:
     // By what documents are looked up, and then in the order in which they were added.

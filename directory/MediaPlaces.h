@@ -17,7 +17,9 @@ class MediaPlaces : public TFilePlaces {
     const MediaPaths& GetPaths() const { return fPaths; }
 
     TFileSpec Find(std::string_view fileID) const override;
-    bool IsInside(const TFileSpec& fileSpec) const override { return fPaths.IsInside(fileSpec.fPath); }
+
+    // False for the directory's own file as well: no record has it.
+    bool IsInside(const TFileSpec& fileSpec) const override;
 
   protected:
     // The file at a path; one without path when that is too long, as a path that is cut would name another.

@@ -15,8 +15,8 @@ namespace Vantor {
 // Lays a tree of documents out as the data set of a DICOMDIR in explicit little endian: each record in front
 // of those below it, and those in front of the ones behind it, in one pass from the start to the end.
 //
-// What an element holds is carried over as it is, whatever the encoding it comes from; only group lengths are
-// dropped, code strings put in upper case, and odd lengths made even.
+// What an element holds is carried over as it is, numbers in the new byte order where the VR says that they
+// are numbers; only group lengths are dropped, code strings put in upper case, and odd lengths made even.
 class RecordWriter {
   public:
     // `dataSetStart` is where the data set will start in its file, from where offsets count.

@@ -82,6 +82,7 @@ TDicomDirectory::TDicomDirectory(const TFileSpec& fileSpec, const char* director
       fDirectoryType(directoryType),
       fTransfer(std::make_unique<TSeriesTransfer>(*this, kTransferBufferSize)) {
     SetIsReplaced(true);
+    UpdateModTime();
     SetDirName(directoryName);
     if (directoryType == kExamLayout) SetImageFolderName(kExamImageFolder);
     if (directoryType == kStandardLayout) SetImageFolderName(kStandardImageFolder);
@@ -229,6 +230,7 @@ void TDicomDirectory::RemoveAllDocs() {
         KeepDoc(patient);
         RemoveDoc(patient);
     }
+    Drop(fOtherRootDocs);
 }
 
 // ---- Lists ----
@@ -301,8 +303,9 @@ TDicomDoc* TDicomDirectory::FindDoc(TDicomDoc* doc) {
     if (doc == nullptr) return nullptr;
     IdentityIndex& index = GetIndex();
     index.Update(doc);
-    if (TDicomDoc* const found = index.Find(doc); found != nullptr) return found;
-    return HasDoc(doc) && doc->IsSameRecord(doc) ? doc : nullptr;
+    const auto isInTree = [this](const TDicomDoc& member) { return IsInTree(member); };
+    if (TDicomDoc* const found = index.Find(doc, isInTree); found != nullptr) return found;
+    return HasDoc(doc) && IsInTree(*doc) && doc->IsSameRecord(doc) ? doc : nullptr;
 }
 
 IdentityIndex& TDicomDirectory::GetIndex() {
@@ -321,7 +324,14 @@ void TDicomDirectory::NoteIdentity(TDicomDoc* doc) {
     if (fIndex != nullptr) fIndex->Update(doc);
 }
 
-bool TDicomDirectory::HasDoc(TDicomDoc* doc) {
+// False for what is left in a list after what it was below has been taken out or destroyed.
+bool TDicomDirectory::IsInTree(const TDicomDoc& doc) {
+    const TDicomDoc* top = &doc;
+    while (top->GetParentObj() != nullptr) top = top->GetParentObj();
+    return HasDoc(top) && !top->HasOutlivedParent();
+}
+
+bool TDicomDirectory::HasDoc(const TDicomDoc* doc) {
     bool hasDoc = false;
     WithListOf(doc->GetDocType(), [doc, &hasDoc]<typename T>(const TListOf<T>& list) {
         hasDoc = list.HasItem(static_cast<const T*>(doc));
@@ -414,7 +424,11 @@ std::string TDicomDirectory::MakeImageFolderPath() {
 }
 
 double TDicomDirectory::GetAvailableSpace() {
-    const std::string root = Platform::PathStyle::OfPlatform().VolumeRoot(fFileSpec.fPath);
+    const Platform::PathStyle& style = Platform::PathStyle::OfPlatform();
+    std::string path = fFileSpec.fPath;
+    // A folder may be a volume of its own.
+    if (Platform::IsFolder(path)) path += style.GetSeparator();
+    const std::string root = style.VolumeRoot(path);
     return static_cast<double>(Platform::GetFreeBytes(root)) / kBytesPerKilobyte;
 }
 

@@ -60,8 +60,9 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     // folders are not followed.
     virtual void ScanFiles();
 
-    // Takes every patient out of its list; the other lists stay. The directory keeps counting the patients,
-    // and destroys them when it is read again or goes.
+    // Takes every patient out of its list; the other lists stay, but nothing in them is found any more. The
+    // directory keeps counting the patients, and destroys them when it is read again or goes. Records on the
+    // top level that are no patients go as well.
     virtual void RemoveAllDocs();
 
     // Takes a document out of the list of its type and gives the list's count back. Does nothing for one that
@@ -69,9 +70,10 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     // destroys it unless it is in use.
     void RemoveDoc(TDicomDoc* doc) override;
 
-    // Writes the documents into the DICOMDIR, open for updating or not, and closes it. The new content takes
-    // the place of the old at once; on failure the old one is still there. Throws FileException, and what
-    // completing a record throws.
+    // Writes the documents into the DICOMDIR and closes it. The new content takes the place of the old at
+    // once; on failure the old one is still there. It need not be open for updating; if it is not and has
+    // changed since it was read, TException 102 "DICOMDIR has changed" is thrown rather than the change lost.
+    // Also throws FileException, and what completing a record throws.
     //
     // Records that nobody changed keep every element, also those that the library does not know, with code
     // strings in upper case and without group lengths; the elements beside the record sequence stay as well.
@@ -116,6 +118,8 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
 
     // The first document of the list of its type that is the same record (TDicomDoc::IsSameRecord); null when
     // there is none, or no document is given. Types without a list are looked for among the patients.
+    // Documents that are still listed although what they were below has been taken out do not count: what is
+    // entered below them would not be written.
     TDicomDoc* FindDoc(TDicomDoc* doc);
 
     // As FindDoc; when there is none, makes it here, and the documents above it that are missing, from the
@@ -128,7 +132,9 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     void SortSeriesByNumber(TStudyDoc* study);
     void SortImagesByNumber(TSeriesDoc* series);
 
-    // Hands in a file that is to be entered into the DICOMDIR. False when there is none.
+    // Hands in a file that is on the medium already, and whose records are still to be made: a document that
+    // is copied into this directory takes the file of its class and instance, by the UIDs of both file
+    // objects. False when there is none.
     bool RegisterDicomFile(std::unique_ptr<TDicomFile> file);
 
     // ---- Writing ----
@@ -172,8 +178,12 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     bool ImportDocs(int32_t timeBudget, int32_t& index, int32_t& count, int32_t& doneKB, int32_t& totalKB,
                     char* message);
 
-    // Ends the import, wherever it is. What was copied so far stays on disk.
+    // Ends the import, wherever it is. What was copied so far stays on disk. A DICOMDIR that was opened for
+    // updating at the end of a document stays open: WriteDICOMDIR closes it, or CloseFile.
     void ClearDocsToMove();
+
+    // As RegisterDicomFile, for a file of the import under way.
+    void RegisterImportedFile(std::unique_ptr<TDicomFile> file);
 
     // Called at the end of each document, with the one in this directory, or null, and the one that it was
     // taken from. For subclasses; does nothing.
@@ -285,9 +295,13 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     const MediaPlaces& GetPlaces();
     const MediaPaths& GetPaths();
     IdentityIndex& GetIndex();
-    bool HasDoc(TDicomDoc* doc);
+    bool HasDoc(const TDicomDoc* doc);
+    bool IsInTree(const TDicomDoc& doc);
     class OldContent;
     void ReadContent();
+    bool ReadAgain(Platform::FileAccess access);
+    bool IsAsRead();
+    std::string MakeStoredFileID(const TFileSpec& fileSpec);
     void StartMoving(int32_t index);
     void WriteRecords(TDicomDataSet* present, const HeldDocs& rootDocs);
     HeldDocs GetRootDocs() const;
@@ -325,7 +339,9 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     float fSpaceUsed = 0;
     uint32_t fImageDocFlag = 0;
 
-    TListOf<TDicomDoc> fDocsToMove;  // counted
+    TListOf<TDicomDoc> fDocsToMove;
+    HeldDocs fHeldToMove;                                  // these documents and those above them
+    std::unordered_set<const TDicomFile*> fImportedFiles;  // registered by the import under way
     int32_t fMoveCount = 0;
     int32_t fMoveIndex = 0;
     bool fIsMoving = false;

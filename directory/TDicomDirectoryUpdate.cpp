@@ -6,6 +6,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "dicom/Attempt.h"
 #include "dicom/TException.h"
 #include "dicom/TTextUtil.h"
 #include "directory/FileRecords.h"
@@ -76,7 +77,11 @@ void TDicomDirectory::CreateEmptyDICOMDIR() {
 
 void TDicomDirectory::WriteDICOMDIR() {
     const ClosedAtEnd closing(*this);
+    const bool wasOpen = IsOpen();
     OpenFile(Platform::FileAccess::kReadWrite);
+    // What others have written since would be gone.
+    if (!wasOpen && !IsCurrent())
+        throw new TException(ErrorNumbers::kRecordStructure, "DICOMDIR has changed");
     WriteRecords(fDataSet.get(), GetRootDocs());
 }
 
@@ -119,8 +124,8 @@ void TDicomDirectory::WriteRecords(TDicomDataSet* present, const HeldDocs& rootD
 
 // ---- Bringing up to date ----
 
-// What the documents were made of, while the file is read again. It is put back, and the file closed, unless
-// the new documents are there.
+// What the documents were made of, and what is known of its file, while the file is read again. It is put
+// back unless the new documents are there.
 class TDicomDirectory::OldContent {
   public:
     explicit OldContent(TDicomDirectory& directory)
@@ -129,15 +134,29 @@ class TDicomDirectory::OldContent {
           fDataSet(std::move(directory.fDataSet)),
           fRecordShift(directory.fRecordShift),
           fMark(directory.fReadMark),
-          fTime(directory.fLastWriteTime) {}
+          fTime(directory.fLastWriteTime),
+          fUids{directory.fSOPClassUID.Get(), directory.fSOPInstanceUID.Get(),
+                directory.fTransferSyntaxUID.Get()},
+          fIsExplicit(directory.fIsExplicit),
+          fIsBigEndian(directory.fIsBigEndian),
+          fDataOffset(directory.fDataOffset),
+          fDataLength(directory.fDataLength),
+          fFileSize(directory.fFileSize) {}
     ~OldContent() {
         if (fIsReplaced) return;
-        fDirectory.CloseFile();
         fDirectory.fMetaDataSet = std::move(fMeta);
         fDirectory.fDataSet = std::move(fDataSet);
         fDirectory.fRecordShift = fRecordShift;
         fDirectory.fReadMark = fMark;
         fDirectory.fLastWriteTime = fTime;
+        fDirectory.fSOPClassUID.Set(fUids[0]);
+        fDirectory.fSOPInstanceUID.Set(fUids[1]);
+        fDirectory.fTransferSyntaxUID.Set(fUids[2]);
+        fDirectory.fIsExplicit = fIsExplicit;
+        fDirectory.fIsBigEndian = fIsBigEndian;
+        fDirectory.fDataOffset = fDataOffset;
+        fDirectory.fDataLength = fDataLength;
+        fDirectory.fFileSize = fFileSize;
     }
     OldContent(const OldContent&) = delete;
     OldContent& operator=(const OldContent&) = delete;
@@ -151,46 +170,60 @@ class TDicomDirectory::OldContent {
     int64_t fRecordShift;
     Platform::FileMark fMark;
     Platform::FileTime fTime;
+    TUidText fUids[3];
+    bool fIsExplicit;
+    bool fIsBigEndian;
+    int64_t fDataOffset;
+    int64_t fDataLength;
+    int64_t fFileSize;
     bool fIsReplaced = false;
 };
 
 bool TDicomDirectory::ReloadIfChanged() {
     if (IsCurrent()) return true;
-    try {
-        OpenFile(Platform::FileAccess::kRead);
-        OldContent old(*this);
-        ReadContent();
-        RefreshDocs();
-        old.SetReplaced();
-        CloseFile();
-        return true;
-    } catch (TException* thrown) {
-        const std::unique_ptr<TException> error(thrown);
-    } catch (const std::exception&) {
-        // The file's own failures, and a lack of memory.
-    }
+    const bool isRead = ReadAgain(Platform::FileAccess::kRead);
     CloseFile();
-    return false;
+    return isRead;
 }
 
 bool TDicomDirectory::OpenForUpdating() {
     if (!HasDICOMDIR()) return false;
-    try {
-        OpenFile(Platform::FileAccess::kReadWrite);
-        if (IsCurrent() && fFile->GetMark() == fReadMark) return true;
-        OldContent old(*this);
-        ReadContent();
-        if (fDataSet == nullptr) return false;
-        RefreshDocs();
-        old.SetReplaced();
-        return true;
-    } catch (TException* thrown) {
-        const std::unique_ptr<TException> error(thrown);
-    } catch (const std::exception&) {
-        // The file's own failures, and a lack of memory.
-    }
+    if (ReadAgain(Platform::FileAccess::kReadWrite)) return true;
     CloseFile();
     return false;
+}
+
+// Opens the file, reads it unless it is the one that was read last, and makes the documents anew.
+bool TDicomDirectory::ReadAgain(Platform::FileAccess access) {
+    return Succeeds([&] {
+        OpenFile(access);
+        if (IsAsRead()) return;
+        OldContent old(*this);
+        ReadContent();
+        if (fDataSet == nullptr) throw new TException(ErrorNumbers::kRecordStructure, "Invalid Dicom File");
+        RefreshDocs();
+        old.SetReplaced();
+    });
+}
+
+// Of a file that has another identity but neither another size nor another time, only the content tells: some
+// volumes give their files new identities.
+bool TDicomDirectory::IsAsRead() {
+    Platform::FileMark mark = fFile->GetMark();
+    if (!IsCurrent() || fMetaDataSet == nullptr || fDataSet == nullptr) return false;
+    if (mark == fReadMark) return true;
+    if (mark.fLastWriteTime != fReadMark.fLastWriteTime || mark.fSize != fReadMark.fSize) return false;
+    const auto headerSize = static_cast<size_t>(GetHeaderSize());
+    const auto dataSize = static_cast<size_t>(fDataSet->GetDataSetSize());
+    std::vector<uint8_t> bytes(static_cast<size_t>(mark.fSize));
+    SeekTo(*fFile, 0);
+    if (bytes.size() != headerSize + dataSize || ReadNext(bytes.data(), bytes.size()) != bytes.size() ||
+        !std::equal(bytes.begin() + static_cast<std::ptrdiff_t>(headerSize), bytes.end(),
+                    fDataSet->GetDataSet())) {
+        return false;
+    }
+    fReadMark = mark;
+    return true;
 }
 
 // ---- Entering files ----
@@ -204,19 +237,24 @@ TDicomDoc* TDicomDirectory::EnterFile(const std::string& path, SeriesNumbers num
     if (path.size() >= kPathTooLong || !GetPlaces().IsInside(fileSpec)) return nullptr;
     // While it is open for updating, to look into the DICOMDIR would be to wait for ourselves.
     if (IsOpen() && Platform::IsSameFile(path, fFileSpec.fPath)) return nullptr;
+    // A record keeps the file ID in upper case: of two names that differ in case only one can be entered.
+    const std::string fileID = MakeStoredFileID(fileSpec);
+    TFileSpec named;
+    MakeFileSpec(fileID, named);
+    if (!Platform::IsSameFile(path, named.fPath)) return nullptr;
     const std::unique_ptr<FileToEnter> file = FileToEnter::Read(fileSpec);
     if (file == nullptr) return nullptr;
-    char fileID[TFileSpec::kPathSize] = {};
-    uint32_t length = 0;
-    MakeRelativeFileID(fileID, length, fileSpec);
-    FileRecords records(*file, {fileID, length});
+    FileRecords records(*file, fileID);
     if (numbers == SeriesNumbers::kLater) records.LeaveSeriesUnnumbered();
     int32_t error = 0;
     TDicomDoc* const instance = FindOrCreateDoc(&records.GetInstance(), error);
     if (instance == nullptr) return nullptr;
     TUidText transferSyntax;
     TDicomFile* const entered = instance->GetDicomFile();
-    if (entered != nullptr && file->GetFile().GetTransferSyntaxUID(transferSyntax.fText)) {
+    // It may be there already, with another file.
+    const bool isThisFile =
+        entered != nullptr && TTextUtil().EqualStrings(entered->GetFileSpec()->fPath, named.fPath);
+    if (isThisFile && file->GetFile().GetTransferSyntaxUID(transferSyntax.fText)) {
         entered->SetTransferSyntaxUID(transferSyntax.fText);
     }
     return instance->GetParentObj();
@@ -227,17 +265,16 @@ void TDicomDirectory::ScanFiles() { EnterFilesBelow(MakeImageFolderPath(), Serie
 void TDicomDirectory::EnterFilesBelow(const std::string& folder, SeriesNumbers numbers) {
     const std::unordered_set<std::string> present = CollectFileIDs();
     for (const std::string& path : FolderFiles::ListBelow(folder)) {
-        char fileID[TFileSpec::kPathSize] = {};
-        uint32_t length = 0;
-        MakeRelativeFileID(fileID, length, TFileSpec(path));
-        if (present.count(Platform::UpperCased(std::string_view(fileID, length))) > 0) continue;
-        try {
-            EnterFile(path, numbers);
-        } catch (TException* thrown) {
-            // It lacks what a record must have.
-            const std::unique_ptr<TException> error(thrown);
-        }
+        if (present.count(MakeStoredFileID(TFileSpec(path))) > 0) continue;
+        Succeeds([&] { EnterFile(path, numbers); });
     }
+}
+
+std::string TDicomDirectory::MakeStoredFileID(const TFileSpec& fileSpec) {
+    char fileID[TFileSpec::kPathSize] = {};
+    uint32_t length = 0;
+    MakeRelativeFileID(fileID, length, fileSpec);
+    return Platform::UpperCased({fileID, length});
 }
 
 // Of all files that the records name.

@@ -3,7 +3,7 @@
 #include <string_view>
 #include <utility>
 
-#include "dicom/TException.h"
+#include "dicom/Attempt.h"
 #include "directory/MediaPlaces.h"
 #include "platform/FileException.h"
 #include "platform/FileSystem.h"
@@ -45,6 +45,10 @@ class FolderPlaces final : public MediaPlaces {
         return MakeSpec(isFull ? std::string(fileID) : GetPaths().MakePathBelow(fileID));
     }
 
+    bool IsInside(const TFileSpec& fileSpec) const override {
+        return fSingleFile.empty() ? MediaPlaces::IsInside(fileSpec) : fSingleFile == fileSpec.fPath;
+    }
+
   private:
     std::string fSingleFile;  // empty for a folder
 };
@@ -76,13 +80,7 @@ TFolderDirectory::TFolderDirectory(const std::string& path, const char* director
 }
 
 void TFolderDirectory::OpenDICOMDIR() {
-    try {
-        ReadDirectory();
-    } catch (TException* thrown) {
-        const std::unique_ptr<TException> error(thrown);
-    } catch (const std::exception&) {
-        // A directory without documents.
-    }
+    Succeeds([this] { ReadDirectory(); });
     CloseFile();
 }
 
@@ -105,12 +103,7 @@ void TFolderDirectory::ScanAnew() {
 
 void TFolderDirectory::ScanFiles() {
     if (fMode != kSingleFile) return EnterFilesBelow(GetFolderPath(), SeriesNumbers::kLater);
-    try {
-        EnterFile(GetFullPath(), SeriesNumbers::kLater);
-    } catch (TException* thrown) {
-        // It lacks what a record must have.
-        const std::unique_ptr<TException> error(thrown);
-    }
+    Succeeds([this] { EnterFile(GetFullPath(), SeriesNumbers::kLater); });
 }
 
 void TFolderDirectory::NumberSeries() {
@@ -162,14 +155,7 @@ void TFolderDirectory::CreateDICOMDIR() {
 }
 
 void TFolderDirectory::WriteDICOMDIR() {
-    if (!fHasDICOMDIR) return;
-    try {
-        TDicomDirectory::WriteDICOMDIR();
-    } catch (TException* thrown) {
-        const std::unique_ptr<TException> error(thrown);
-    } catch (const std::exception&) {
-        // The old content is still there.
-    }
+    if (fHasDICOMDIR) Succeeds([this] { TDicomDirectory::WriteDICOMDIR(); });
 }
 
 }  // namespace Vantor

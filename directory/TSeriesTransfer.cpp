@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "dicom/Attempt.h"
 #include "dicom/TException.h"
 #include "dicom/TSRFile.h"
 #include "dicom/TTextUtil.h"
@@ -32,20 +33,6 @@ constexpr int kMoveTries = 6;
 constexpr std::chrono::milliseconds kRestBetweenTries(1000);
 
 constexpr char kNotOpened[] = "Can not open DICOMDIR for updating.";
-
-// False when an operation on the source fails, which only costs that file.
-template <typename Operation>
-bool OnSource(Operation operation) {
-    try {
-        operation();
-        return true;
-    } catch (TException* thrown) {
-        const std::unique_ptr<TException> error(thrown);
-    } catch (const std::exception&) {
-        // The next file may be a better one.
-    }
-    return false;
-}
 
 bool HasStudyID(const TStudyDoc& study) {
     char studyID[kLongestText + 1];
@@ -151,14 +138,18 @@ void TSeriesTransfer::Start(int32_t& doneKB, int32_t& totalKB) {
 // ---- One file ----
 
 void TSeriesTransfer::OpenNextFile() {
-    OnSource([this] { RepairStudyID(); });
+    Succeeds([this] { RepairStudyID(); });
     const auto* const report = dynamic_cast<const TSRFile*>(fSource);
     char fileID[TFileSpec::kPathSize];
     uint32_t length = 0;
     fDestination.MakeNextFileName(fileID, length, report == nullptr ? 0 : report->GetKind());
     TFileSpec fileSpec;
     fDestination.MakeFileSpec({fileID, length}, fileSpec);
-    if (!OnSource([this] { fSource->OpenFile(Platform::FileAccess::kRead); })) return GoOn();
+    const bool isOpen = Succeeds([this] {
+        fSource->OpenFile(Platform::FileAccess::kRead);
+        fSource->Rewind();  // a host may have it open, and have read
+    });
+    if (!isOpen) return GoOn();
     fFileSize = fSource->GetFileSize();
     try {
         CreateCopy(fileSpec);
@@ -219,7 +210,7 @@ void TSeriesTransfer::Copy(int32_t timeBudget, int32_t& doneKB) {
 void TSeriesTransfer::CopyChunk(int32_t& doneKB) {
     const auto count =
         static_cast<size_t>(std::min(fFileSize - fBytesCopied, static_cast<int64_t>(fBuffer.size())));
-    const bool isRead = OnSource([this, count] {
+    const bool isRead = Succeeds([this, count] {
         if (fSource->ReadNext(fBuffer.data(), count) == count) return;
         throw Platform::FileException(Platform::FileException::Cause::kEndOfFile, 0,
                                       fSource->GetFileSpec()->fPath);
@@ -245,7 +236,7 @@ void TSeriesTransfer::EndFile() {
     if (HoldsInstance()) {
         MoveOntoSource();
     } else {
-        fDestination.RegisterDicomFile(std::move(fCopy));
+        fDestination.RegisterImportedFile(std::move(fCopy));
     }
     GoOn();
 }
@@ -290,23 +281,32 @@ void TSeriesTransfer::Finish(char* message) {
     if (!isOpen) TTextUtil().CopyCString(kNotOpened, message, TDicomDirectory::kMessageSize);
     int32_t stop = 0;
     TDicomDoc* const imported = fDestination.FindOrCreateDoc(fDoc, stop);
-    if (isOpen && imported != nullptr && stop == 0) AddMissingDocs(*fDoc, *imported, stop);
+    // What is of this directory is all here, in the document itself or, if another program has changed the
+    // DICOMDIR, in its successor.
+    const bool isForeign = fDoc->GetDirectory() != &fDestination;
+    if (isOpen && isForeign && imported != nullptr && stop == 0) AddMissingDocs(*fDoc, *imported, stop);
     fDestination.AfterTransfer(imported, fDoc);
     fState = State::kStart;
 }
 
-// What is below a document that the directory does not know comes with it.
 void TSeriesTransfer::AddMissingDocs(TDicomDoc& source, TDicomDoc& target, int32_t& stop) {
     TListOf<TDicomDoc> children;
     source.GetChildDocs(children, true);
     for (TDicomDoc* child : children) {
         if (stop != 0) return;
-        if (TDicomDoc* const known = fDestination.FindDoc(child); known != nullptr) {
-            AddMissingDocs(*child, *known, stop);
-        } else {
-            target.AddChild(child, nullptr, true, stop);
-        }
+        TDicomDoc* here = fDestination.FindDoc(child);
+        if (here == nullptr) here = AddCopy(*child, target, stop);
+        if (here != nullptr) AddMissingDocs(*child, *here, stop);
     }
+}
+
+// Without what is below the document, of which the directory may know some. Null when the target does not
+// take it.
+TDicomDoc* TSeriesTransfer::AddCopy(TDicomDoc& source, TDicomDoc& target, int32_t& stop) {
+    TDicomDoc* const copy = source.CopyToDirectory(&fDestination, &target, false, stop);
+    if (copy == nullptr || target.AddChild(copy, nullptr, true, stop)) return copy;
+    if (copy != &source) copy->Discard();
+    return nullptr;
 }
 
 }  // namespace Vantor

@@ -21,8 +21,8 @@ class TSeriesTransfer {
     // `destination` must outlive this object. Throws TException 100 "Can not allocate transfer memory".
     TSeriesTransfer(TDicomDirectory& destination, uint32_t bufferSize);
 
-    // Ends what is under way and starts anew with a document. The caller keeps it, and its files, until it is
-    // done or this object is reset.
+    // Ends what is under way and starts anew with a document. The caller keeps it, and those above and below
+    // it, until it is done or this object is reset.
     void SetDoc(TDicomDoc* doc);
 
     // Closes the files of a copy under way and forgets the document. What was copied stays on disk.
@@ -48,6 +48,7 @@ class TSeriesTransfer {
     void CreateCopy(const TFileSpec& fileSpec);
     bool HoldsInstance();
     void MoveOntoSource();
+    TDicomDoc* AddCopy(TDicomDoc& source, TDicomDoc& target, int32_t& stop);
     void AddMissingDocs(TDicomDoc& source, TDicomDoc& target, int32_t& stop);
 
     TListOf<TDicomFile> fFiles;

@@ -4,6 +4,7 @@
 #include <array>
 #include <string_view>
 
+#include "dicom/Attempt.h"
 #include "dicom/TTextUtil.h"
 
 namespace Vantor::ReferencedFile {
@@ -22,6 +23,16 @@ std::unique_ptr<TDicomFile> TakeFileOf(TDicomFile& file, TRecordDirectory& direc
     file.GetSOPClassUID(sopClassUID);
     file.GetSOPInstanceUID(sopInstanceUID);
     return directory.TakeRegisteredFile(sopClassUID, sopInstanceUID);
+}
+
+// Leaves the text empty when the file does not tell.
+void ReadTransferSyntax(const TFileSpec& fileSpec, TUidText& transferSyntax) {
+    TDicomFile file(0, fileSpec, 0);
+    Succeeds([&] {
+        file.OpenFile(Platform::FileAccess::kRead);
+        file.ReadMetaHeader();
+    });
+    file.GetTransferSyntaxUID(transferSyntax.fText);
 }
 
 }  // namespace
@@ -90,11 +101,12 @@ void CompleteReference(TDicomDataSet& record, TDicomFile& file, TRecordDirectory
         directory->MakeRelativeFileID(fileID, length, *file.GetFileSpec());
         if (length > 0) PutFileID(record, fileID, length);
     }
+    if (record.FindElement(Tags::kReferencedTransferSyntaxUIDInFile)) return;
     TUidText transferSyntax;
-    if (!record.FindElement(Tags::kReferencedTransferSyntaxUIDInFile) &&
-        file.GetTransferSyntaxUID(transferSyntax.fText)) {
-        SetUid(&record, Tags::kReferencedTransferSyntaxUIDInFile, transferSyntax.fText);
-    }
+    if (!file.GetTransferSyntaxUID(transferSyntax.fText))
+        ReadTransferSyntax(*file.GetFileSpec(), transferSyntax);
+    if (transferSyntax.fText[0] == '\0') return;
+    SetUid(&record, Tags::kReferencedTransferSyntaxUIDInFile, transferSyntax.fText);
 }
 
 }  // namespace Vantor::ReferencedFile

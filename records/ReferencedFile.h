@@ -29,7 +29,8 @@ std::unique_ptr<TDicomDataSet> CopyRecordTo(TDicomDoc& doc, TRecordDirectory* di
                                             const char* fallback);
 
 // Puts what a record lacks of the reference to a file: its file ID, when it is below the directory's folder,
-// and its transfer syntax, when the file object knows it. `directory` may be null.
+// and its transfer syntax, for which the file is looked into when the object does not know it. `directory`
+// may be null.
 void CompleteReference(TDicomDataSet& record, TDicomFile& file, TRecordDirectory* directory);
 
 // Named in a copied record whose file is not registered with the directory.

@@ -77,6 +77,7 @@ void TDicomDoc::SetSOPInstanceUID(const char* text) {
 void TDicomDoc::SetDicomFile(std::unique_ptr<TDicomFile> file) {
     Record();  // which would put the file of the record in its place later
     fDicomFile = std::move(file);
+    fIsNew = true;
 }
 
 TDicomFile* TDicomDoc::GetDicomFile() {
@@ -86,6 +87,7 @@ TDicomFile* TDicomDoc::GetDicomFile() {
 
 void TDicomDoc::SetParentObj(TDicomDoc* parent) {
     fParent = parent;
+    if (parent != nullptr) fHasOutlivedParent = false;
     if (parent != nullptr) parent->Register();
 }
 
@@ -101,6 +103,7 @@ void TDicomDoc::LeaveParent() {
 
 void TDicomDoc::OutliveParent() {
     fParent = nullptr;
+    fHasOutlivedParent = true;
     fCompanion = nullptr;
 }
 
@@ -149,6 +152,7 @@ TDicomDoc* TDicomDoc::CopyToDirectory(TRecordDirectory* directory, TDicomDoc* pa
 TDicomDoc* TDicomDoc::PlaceCopy(const TDicomDataSet* record, TRecordDirectory* directory, TDicomDoc* parent,
                                 bool deep, int32_t& error) {
     TDicomDoc* const copy = MakeCopy(record, directory).release();
+    copy->fIsNew = true;
     copy->SetParentObj(parent);
     if (directory != nullptr) directory->RegisterDoc(copy);
     if (!deep) return copy;
@@ -240,7 +244,8 @@ TDicomDataSet TDicomDoc::ViewRecord() const {
 void TDicomDoc::PrepareForWriting() {
     if (fDataSet == nullptr) return;
     if (!HasElement(Tags::kDirectoryRecordType)) CompleteRecord();
-    if (fDicomFile != nullptr) ReferencedFile::CompleteReference(*fDataSet, *fDicomFile, GetDirectory());
+    if (fIsNew && fDicomFile != nullptr)
+        ReferencedFile::CompleteReference(*fDataSet, *fDicomFile, GetDirectory());
 }
 
 void TDicomDoc::CompleteRecord() {

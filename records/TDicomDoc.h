@@ -116,14 +116,15 @@ class TDicomDoc : public TIODSource {
 
     // Lets go of the parent, which is about to be destroyed, and of what goes with it.
     void OutliveParent();
+    bool HasOutlivedParent() const { return fHasOutlivedParent; }
 
     // Takes the document out of its parent and, with all that is below, out of its directory's lists, and
     // destroys it unless somebody holds it.
     void Discard();
 
-    // Makes the record fit to be written: one without type is completed, and one that lacks its file's ID or
-    // transfer syntax is given them, as far as the file object knows. A record that nobody has asked for
-    // since it was read stays as it is. Throws what CompleteRecord throws.
+    // Makes the record fit to be written: one without type is completed, and a document that was copied or
+    // given its file here gets what the record lacks of its file's ID and transfer syntax. Throws what
+    // CompleteRecord throws.
     void PrepareForWriting();
 
     // The record's elements as they are stored, with none when there is no data set; valid until the document
@@ -167,8 +168,10 @@ class TDicomDoc : public TIODSource {
 
     // Makes the object for the file that the record names, for the classes that have one. Constructors of
     // these end with FindFile, which asks for it when there is a directory.
+    // MakeFile hands it over with KeepFile.
     virtual void MakeFile(const TFilePlaces& /*places*/) {}
     void FindFile();
+    void KeepFile(std::unique_ptr<TDicomFile> file) { fDicomFile = std::move(file); }
 
     // A new document of this class over a copy of a record.
     virtual std::unique_ptr<TDicomDoc> MakeCopy(const TDicomDataSet* record, TRecordDirectory* directory) = 0;
@@ -210,6 +213,8 @@ class TDicomDoc : public TIODSource {
     TRecordDirectory::Link fDirectory;
     std::shared_ptr<const TFilePlaces> fPlaces;  // as the directory was at construction; null without one
     int32_t fDocType;
+    bool fHasOutlivedParent = false;  // and has no other one since
+    bool fIsNew = false;              // made here, not read from a medium
     std::array<char, kFolderNameSize> fFolderName{};
     TDicomDoc* fCompanion = nullptr;
     std::unique_ptr<std::vector<TDicomDoc*>> fForeignChildren;  // counted; null without

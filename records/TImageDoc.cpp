@@ -29,7 +29,7 @@ TImageDoc::TImageDoc(TStoredRecord record, TRecordDirectory* directory, uint32_t
 void TImageDoc::MakeFile(const TFilePlaces& places) {
     const auto fileSpec = ReferencedFile::Find(Record(), places);
     if (!fileSpec) return;
-    SetDicomFile(std::make_unique<TImageFile>(places.GetOwner(), *fileSpec, fImageSetting));
+    KeepFile(std::make_unique<TImageFile>(places.GetOwner(), *fileSpec, fImageSetting));
     ReferencedFile::HandUids(Record(), *GetDicomFile());
 }
 

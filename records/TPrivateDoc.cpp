@@ -17,12 +17,16 @@ TPrivateDoc::TPrivateDoc(TStoredRecord record, TRecordDirectory* directory)
     : TLeafDoc(kDocType, std::move(record), directory) {}
 
 void TPrivateDoc::MakeFile(const TFilePlaces& places) {
-    SetDicomFile(ReferencedFile::MakePlainFile(Record(), places));
+    KeepFile(ReferencedFile::MakePlainFile(Record(), places));
 }
 
 TDicomDoc* TPrivateDoc::CopyToDirectory(TRecordDirectory* directory, TDicomDoc* parent, bool deep,
                                         int32_t& error) {
-    return TDicomDoc::CopyToDirectory(directory, parent, deep, error);
+    error = 0;
+    if (directory == GetDirectory()) return this;
+    // Under the name that it has elsewhere another file may be there.
+    const auto record = ReferencedFile::CopyRecordTo(*this, directory, nullptr);
+    return PlaceCopy(record.get(), directory, parent, deep, error);
 }
 
 std::unique_ptr<TDicomDoc> TPrivateDoc::MakeCopy(const TDicomDataSet* record, TRecordDirectory* directory) {

@@ -14,6 +14,8 @@ class TPrivateDoc final : public TLeafDoc {
     TPrivateDoc(const TDicomDataSet* record, TRecordDirectory* directory);
     TPrivateDoc(TStoredRecord record, TRecordDirectory* directory);
 
+    // The record names the file that is registered with the new directory for this instance, or what it named
+    // before.
     TDicomDoc* CopyToDirectory(TRecordDirectory* directory, TDicomDoc* parent, bool deep,
                                int32_t& error) override;
 

@@ -13,7 +13,7 @@ TRawDataDoc::TRawDataDoc(const TDicomDataSet* record, TRecordDirectory* director
 }
 
 void TRawDataDoc::MakeFile(const TFilePlaces& places) {
-    SetDicomFile(ReferencedFile::MakePlainFile(Record(), places));
+    KeepFile(ReferencedFile::MakePlainFile(Record(), places));
 }
 
 TDicomDoc* TRawDataDoc::CopyToDirectory(TRecordDirectory* directory, TDicomDoc* parent, bool deep,

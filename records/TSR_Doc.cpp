@@ -25,7 +25,7 @@ void TSR_Doc::MakeFile(const TFilePlaces& places) {
     GetSOPInstanceUID(sopInstance.fText);
     file->SetSOPClassUID(sopClass.fText);
     file->SetSOPInstanceUID(sopInstance.fText);
-    SetDicomFile(std::move(file));
+    KeepFile(std::move(file));
 }
 
 std::unique_ptr<TDicomDoc> TSR_Doc::MakeCopy(const TDicomDataSet* record, TRecordDirectory* directory) {

@@ -1,14 +1,30 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "directory/TDicomDirectory.h"
+#include "platform/Clock.h"
 #include "tests/support/DicomSupport.h"
 #include "tests/support/DirectoryBuilder.h"
 #include "tests/support/TestFolder.h"
 
 namespace VantorTest {
+
+// The date and time stand still while it is alive; who waits for others has soon waited long enough.
+class TestClock final : public Vantor::Platform::Clock {
+  public:
+    explicit TestClock(std::optional<Vantor::Platform::LocalTime> time) : fTime(time), fReplaced(*this) {}
+    std::chrono::steady_clock::time_point Now() override { return fNow += std::chrono::seconds(30); }
+    std::optional<Vantor::Platform::LocalTime> GetLocalTime() override { return fTime; }
+    void Sleep(std::chrono::milliseconds) override {}
+
+  private:
+    std::optional<Vantor::Platform::LocalTime> fTime;
+    std::chrono::steady_clock::time_point fNow;
+    Vantor::Platform::ReplacedClock fReplaced;
+};
 
 inline std::unique_ptr<Vantor::TDicomDirectory> Load(const TestFolder& folder, const Bytes& content) {
     const Vantor::TFileSpec spec(folder.WriteFile("DICOMDIR", content));
