@@ -67,9 +67,10 @@ def encode(records, start):
 
 
 def directory(patients):
+    """The file with these records and those below them."""
     head = start_of_file(EXPLICIT, "1.2.840.10008.1.3.10") + element((4, 0x1130), "CS", "BENCH")
     first = len(head) + len(offset((4, 0x1200), 0)) + SEQUENCE_HEAD
-    items = encode([patient(number) for number in range(patients)], first)
+    items = encode(patients, first)
     return head + offset((4, 0x1200), first if items else 0) + header((4, 0x1220), "SQ", len(items)) + items
 
 
@@ -93,7 +94,7 @@ def main():
         commands = {"load": [program, "--quiet", path], "dcmdump": ["dcmdump", path],
                     "search": ["dcmdump", "--search", ABSENT, path]}
         for patients in PATIENTS:
-            content = directory(patients)
+            content = directory([patient(number) for number in range(patients)])
             path.write_bytes(content)
             peak = peak_of(commands["load"])
             if patients == 0:

@@ -1,5 +1,5 @@
 # holds: other programs and this one find the same in the same files (tests/interop), also with sanitizers
-# packages: g++ cmake ninja-build ccache libgtest-dev googletest libbenchmark-dev libcli11-dev nlohmann-json3-dev python3-pydicom dcmtk
+# packages: g++ cmake ninja-build ccache libgtest-dev googletest libbenchmark-dev libcli11-dev nlohmann-json3-dev python3-pydicom dcmtk dicom3tools libgdcm-tools
 # minutes: 30
 
 . checks/common.sh
@@ -13,8 +13,9 @@ mapfile -t scripts < <(find tests/interop -maxdepth 1 -type f -name '*.py' -exec
 [ ${#scripts[@]} -gt 0 ] || fail "no executable scripts in tests/interop"
 failed=()
 for preset in release sanitize; do
-    build "$preset" vantor_cli directory_tree
-    export VANTOR=$PWD/build/$preset/bin/vantor DIRECTORY_TREE=$PWD/build/$preset/bin/directory_tree
+    build "$preset" vantor_cli directory_tree directory_update
+    bin=$PWD/build/$preset/bin
+    export VANTOR=$bin/vantor DIRECTORY_TREE=$bin/directory_tree DIRECTORY_UPDATE=$bin/directory_update
     for script in "${scripts[@]}"; do
         echo "== $script with $VANTOR"
         timeout 600 /usr/bin/python3 "$script" || failed+=("$script ($preset)")

@@ -6,7 +6,6 @@ Opening a DICOMDIR makes a folder beside it: all of them are copies.
 """
 
 import itertools
-import os
 import pathlib
 import random
 import shutil
@@ -14,14 +13,9 @@ import subprocess
 import tempfile
 import unittest
 
-from pydicom.dataset import Dataset
-from pydicom.uid import ExplicitVRLittleEndian
-
 import directory_records
-import program
+import media_tree
 import real_files
-
-DIRECTORY_TREE = os.environ.get("DIRECTORY_TREE", str(program.REPOSITORY / "build/release/bin/directory_tree"))
 
 # Each DICOMDIR of python3-pydicom, and how many patients, studies, series, images, raw data and reports it has.
 FOLDER = "test_files/dicomdirtests"
@@ -39,7 +33,7 @@ COUNTS = {
 }
 
 # An image, a report, raw data, and a presentation state, which the library has no documents for.
-CLASSES = ["1.2.840.10008.5.1.4.1.1." + last for last in ("7", "88.11", "66", "11.1")]
+CLASSES = [media_tree.IMAGE, media_tree.REPORT, media_tree.RAW_DATA, media_tree.STATE]
 IMAGES, OTHERS = 9, len(CLASSES) - 1  # in each series
 # How the records of dcmmkdir start: where these values are, behind the start of the item.
 NEXT_VALUE, IN_USE_VALUE, LOWER_VALUE, TYPE_VALUE = 16, 28, 38, 50
@@ -49,27 +43,8 @@ SIX = ["STUDY", "SERIES", "IMAGE"]
 
 
 def write_file(path, patient, study, series, number):
-    """With what dcmmkdir asks of each class."""
-    data_set = Dataset()
-    data_set.SpecificCharacterSet = "ISO_IR 100"
-    data_set.SOPClassUID = CLASSES[max(0, number - IMAGES + 1)]
-    data_set.PatientID, data_set.PatientName = f"P{patient}", f"Müller^{patient}"
-    data_set.StudyInstanceUID = f"1.2.3.{patient}.{study}"
-    data_set.SeriesInstanceUID = f"{data_set.StudyInstanceUID}.{series}"
-    data_set.SOPInstanceUID = f"{data_set.SeriesInstanceUID}.{number}"
-    data_set.StudyID, data_set.SeriesNumber, data_set.InstanceNumber = f"S{study}", series, number
-    data_set.StudyDate = data_set.ContentDate = data_set.PresentationCreationDate = "20240315"
-    data_set.StudyTime = data_set.ContentTime = data_set.PresentationCreationTime = "1015"
-    data_set.Modality, data_set.ContentLabel = "US", "STATE"
-    data_set.CompletionFlag, data_set.VerificationFlag = "COMPLETE", "UNVERIFIED"
-    title = Dataset()
-    title.CodeValue, title.CodingSchemeDesignator, title.CodeMeaning = "11528-7", "LN", "Report"
-    data_set.ConceptNameCodeSequence = [title]
-    data_set.is_little_endian, data_set.is_implicit_VR = True, False
-    data_set.ensure_file_meta()
-    data_set.file_meta.TransferSyntaxUID = ExplicitVRLittleEndian
-    path.parent.mkdir(parents=True, exist_ok=True)
-    data_set.save_as(path, write_like_original=False)
+    sop_class = CLASSES[max(0, number - IMAGES + 1)]
+    media_tree.save(media_tree.make_data_set(patient, study, series, number, sop_class), path)
 
 
 class DirectoriesTest(unittest.TestCase):
@@ -82,7 +57,7 @@ class DirectoriesTest(unittest.TestCase):
 
     def show(self, path):
         """The lines of the tree and the counts, as the program has them and as they must be."""
-        run = subprocess.run([DIRECTORY_TREE, path], capture_output=True, timeout=60, check=False)
+        run = subprocess.run([media_tree.DIRECTORY_TREE, path], capture_output=True, timeout=60, check=False)
         self.assertEqual((run.returncode, run.stderr), (0, b""))
         lines = run.stdout.splitlines()
         self.assertEqual(lines, directory_records.expected_lines(path))
@@ -116,7 +91,7 @@ class DirectoriesTest(unittest.TestCase):
     def test_what_is_none(self):
         for name in ["README.txt", "no_such_file"]:
             path = real_files.DATA / "test_files" / name
-            run = subprocess.run([DIRECTORY_TREE, path], capture_output=True, timeout=60, check=False)
+            run = subprocess.run([media_tree.DIRECTORY_TREE, path], capture_output=True, timeout=60, check=False)
             self.assertEqual((run.returncode, run.stdout, run.stderr.count(b"\n")), (1, b"", 1))
 
     def test_damaged_ones(self):
