@@ -24,7 +24,6 @@ inline constexpr char kTrialDetailSR[] = "1.2.840.10008.5.1.4.1.1.88.3";
 // Names this library as the writer of a file in (0002,0012).
 inline constexpr char kImplementationClass[] = "2.16.840.990017.100.98.19";
 
-
 // Defines the library's private directory records: they name a file that is of no other kind.
 inline constexpr char kPrivateRecord[] = "2.16.840.990017.100.98.19.1";
 
