@@ -44,7 +44,12 @@ std::string MediaPaths::MakePathBelow(std::string_view fileID) const {
 }
 
 std::string MediaPaths::MakeFileID(std::string_view path) const {
-    if (Platform::UpperCased(path.substr(0, fFolder.size())) != Platform::UpperCased(fFolder)) return {};
+    const auto isSame = [this](char a, char b) {
+        return Platform::UpperCase(a) == Platform::UpperCase(b) ||
+               (fStyle.IsSeparator(a) && fStyle.IsSeparator(b));
+    };
+    const std::string_view start = path.substr(0, fFolder.size());
+    if (!std::equal(start.begin(), start.end(), fFolder.begin(), fFolder.end(), isSame)) return {};
     return fStyle.ToFileID(path.substr(fFolder.size()));
 }
 

@@ -22,8 +22,8 @@ class MediaPaths {
     // The same for a file ID that is no full path, whatever it looks like.
     std::string MakePathBelow(std::string_view fileID) const;
 
-    // The file ID of a full path: what follows the directory's folder, told without regard to case. Empty for
-    // a path elsewhere.
+    // The file ID of a full path: what follows the directory's folder, told without regard to case and
+    // to which of the style's separators is used. Empty for a path elsewhere.
     std::string MakeFileID(std::string_view path) const;
 
     // True for a path below the directory's folder that does not climb out of it again.

@@ -8,7 +8,8 @@ TFileSpec MediaPlaces::Find(std::string_view fileID) const { return MakeSpec(fPa
 
 bool MediaPlaces::IsInside(const TFileSpec& fileSpec) const {
     return fPaths.IsInside(fileSpec.fPath) &&
-           Platform::UpperCased(fileSpec.fPath) != Platform::UpperCased(fDirectorySpec.fPath);
+           Platform::UpperCased(fPaths.MakeFileID(fileSpec.fPath)) !=
+               Platform::UpperCased(fPaths.MakeFileID(fDirectorySpec.fPath));
 }
 
 TFileSpec MediaPlaces::MakeSpec(const std::string& path) const {

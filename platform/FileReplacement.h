@@ -13,6 +13,9 @@ namespace Vantor::Platform {
 // also where a system has to close a file before another one can take its place.
 std::unique_ptr<File> OpenDiskFileToReplace(const std::string& path);
 
+// True for a file that is there only while another one is open to be replaced. Nobody else can read it.
+bool IsClaim(const std::string& path);
+
 // New content for a file: written in full beside it, and then put in its place at once, so that nobody finds
 // half of it, whatever fails on the way.
 class FileReplacement {

@@ -130,6 +130,8 @@ std::unique_ptr<File> OpenDiskFileToReplace(const std::string& path) {
                                          MakeDiskFile(std::move(descriptor), FileAccess::kReadWrite, path));
 }
 
+bool IsClaim(const std::string& /*path*/) { return false; }
+
 class FileReplacement::State {
   public:
     // Whoever could not read the old file does not read the new one while it is written.

@@ -159,6 +159,10 @@ std::unique_ptr<File> OpenDiskFileToReplace(const std::string& path) {
     return std::make_unique<ClaimedFile>(std::move(claim), OpenDiskFile(path, FileAccess::kReadWrite));
 }
 
+bool IsClaim(const std::string& path) {
+    return path.ends_with(kClaimSuffix) && PathExists(path.substr(0, path.size() - kClaimSuffix.size()));
+}
+
 class FileReplacement::State {
   public:
     State(const std::string& path, const std::string& target)

@@ -42,7 +42,7 @@ TEST(MediaPaths, OnWindows) {
     for (const Case& c : cases) Expect(kWindows, c);
     const MediaPaths paths(kWindows, "D:\\CD\\DICOMDIR", false);
     EXPECT_EQ(paths.MakeFullPath("E:\\X\\1"), "E:\\X\\1");
-    EXPECT_EQ(paths.MakeFileID("d:\\cd\\Images\\1"), "Images\\1");
+    EXPECT_EQ(paths.MakeFileID("d:/cd\\Images/1"), "Images\\1");
     EXPECT_EQ(paths.MakeFileID("E:\\D:\\CD\\Images\\1"), "") << "elsewhere";
 }
 
