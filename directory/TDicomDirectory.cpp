@@ -84,8 +84,9 @@ TDicomDirectory::TDicomDirectory(const TFileSpec& fileSpec, const char* director
     SetIsReplaced(true);
     UpdateModTime();
     SetDirName(directoryName);
-    if (directoryType == kExamLayout) SetImageFolderName(kExamImageFolder);
-    if (directoryType == kStandardLayout) SetImageFolderName(kStandardImageFolder);
+    const auto places = TDicomDirectory::MakePlaces();
+    if (directoryType == kExamLayout) MakeImageFolder(kExamImageFolder, places->GetPaths());
+    if (directoryType == kStandardLayout) MakeImageFolder(kStandardImageFolder, places->GetPaths());
 }
 
 TDicomDirectory::~TDicomDirectory() {
@@ -413,9 +414,11 @@ void TDicomDirectory::MakeRelativeFileID(char* buffer, uint32_t& length, const T
         TTextUtil().CopyCString(GetPaths().MakeFileID(fileSpec.fPath).c_str(), buffer, TFileSpec::kPathSize);
 }
 
-void TDicomDirectory::SetImageFolderName(const char* name) {
+void TDicomDirectory::SetImageFolderName(const char* name) { MakeImageFolder(name, GetPaths()); }
+
+void TDicomDirectory::MakeImageFolder(const char* name, const MediaPaths& paths) {
     TTextUtil().CopyCString(name, fImageFolderName, kImageFolderNameSize);
-    const std::string path = MakeImageFolderPath();
+    const std::string path = paths.MakeImageFolderPath(fImageFolderName);
     if (!path.empty()) Platform::MakeFolderIfMissing(path);
 }
 

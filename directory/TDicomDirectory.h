@@ -315,6 +315,7 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     static void Drop(HeldDocs& docs);
     std::string MakeNumberedFolder(std::string_view prefix, const std::string& baseFolder, std::string& name);
     std::string MakeImageFolderPath();
+    void MakeImageFolder(const char* name, const MediaPaths& paths);
     void RemoveExamFolder(const TStudyDoc& study);
     template <typename Action>
     void WithListOf(int32_t docType, Action action);

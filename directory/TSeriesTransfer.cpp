@@ -34,6 +34,11 @@ constexpr std::chrono::milliseconds kRestBetweenTries(1000);
 
 constexpr char kNotOpened[] = "Can not open DICOMDIR for updating.";
 
+int32_t KindOf(const TDicomFile& file) {
+    const auto* const report = dynamic_cast<const TSRFile*>(&file);
+    return report == nullptr ? 0 : report->GetKind();
+}
+
 bool HasStudyID(const TStudyDoc& study) {
     char studyID[kLongestText + 1];
     return study.GetStudyID(studyID, sizeof(studyID)) && studyID[0] != '\0';
@@ -139,10 +144,9 @@ void TSeriesTransfer::Start(int32_t& doneKB, int32_t& totalKB) {
 
 void TSeriesTransfer::OpenNextFile() {
     Succeeds([this] { RepairStudyID(); });
-    const auto* const report = dynamic_cast<const TSRFile*>(fSource);
     char fileID[TFileSpec::kPathSize];
     uint32_t length = 0;
-    fDestination.MakeNextFileName(fileID, length, report == nullptr ? 0 : report->GetKind());
+    fDestination.MakeNextFileName(fileID, length, KindOf(*fSource));
     TFileSpec fileSpec;
     fDestination.MakeFileSpec({fileID, length}, fileSpec);
     const bool isOpen = Succeeds([this] {
