@@ -79,8 +79,9 @@ void TDicomDirectory::WriteDICOMDIR() {
     const ClosedAtEnd closing(*this);
     const bool wasOpen = IsOpen();
     OpenFile(Platform::FileAccess::kReadWrite);
-    // What others have written since would be gone.
-    if (!wasOpen && !IsCurrent())
+    // What others have written since would be gone. A stream has no time, and nobody else.
+    const bool mayHaveChanged = !wasOpen && fFileSpec.fStorage == nullptr;
+    if (mayHaveChanged && !IsCurrent())
         throw new TException(ErrorNumbers::kRecordStructure, "DICOMDIR has changed");
     WriteRecords(fDataSet.get(), GetRootDocs());
 }
