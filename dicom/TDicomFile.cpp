@@ -4,9 +4,12 @@
 #include <array>
 #include <cstring>
 #include <limits>
+#include <map>
+#include <mutex>
 #include <new>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 
 #include "dicom/TException.h"
@@ -176,6 +179,36 @@ TFileSpec MakeTemporarySpec(const TFileSpec& fileSpec) {
     return TFileSpec(path);
 }
 
+// The disk files that are open, and which thread opened each: to wait for one's own would be to wait for
+// ever.
+class OpenFiles {
+  public:
+    void Add(const TDicomFile* file) {
+        const std::lock_guard<std::mutex> lock(fMutex);
+        fFiles[file] = std::this_thread::get_id();
+    }
+    void Remove(const TDicomFile* file) {
+        const std::lock_guard<std::mutex> lock(fMutex);
+        fFiles.erase(file);
+    }
+    bool HasOfThisThread(const char* path) const {
+        const std::lock_guard<std::mutex> lock(fMutex);
+        return std::any_of(fFiles.begin(), fFiles.end(), [path](const auto& open) {
+            const TFileSpec& fileSpec = *open.first->GetFileSpec();
+            return open.second == std::this_thread::get_id() && fileSpec.fStorage == nullptr &&
+                   Platform::IsSameFile(fileSpec.fPath, path);
+        });
+    }
+    static OpenFiles& Instance() {
+        static OpenFiles files;
+        return files;
+    }
+
+  private:
+    mutable std::mutex fMutex;
+    std::map<const TDicomFile*, std::thread::id> fFiles;
+};
+
 }  // namespace
 
 TDicomFile::TDicomFile() = default;
@@ -197,6 +230,7 @@ TDicomFile::TDicomFile(uintptr_t owner, const TFileSpec& fileSpec, uintptr_t con
 
 TDicomFile::~TDicomFile() {
     CloseFile();
+    if (fFile != nullptr) OpenFiles::Instance().Remove(this);  // opened by another thread
     if (fCopyFile != nullptr) AbandonCopy();
 }
 
@@ -290,6 +324,7 @@ void TDicomFile::OpenFile(Platform::FileAccess access) {
                                                ? fFileSpec.fStorage->OpenStream(fFileSpec.fPath, access)
                                                : OpenWaitingForOthers(access);
     fFileSize = file->GetLength();
+    OpenFiles::Instance().Add(this);
     fFile = std::move(file);
     lock.release();  // CloseFile unlocks
 }
@@ -305,7 +340,8 @@ std::unique_ptr<Platform::File> TDicomFile::OpenWaitingForOthers(Platform::FileA
             }
             return Platform::OpenDiskFile(fFileSpec.fPath, access);
         } catch (const FileException& error) {
-            const bool isHeldByOthers = error.GetCause() == FileException::Cause::kSharingViolation;
+            const bool isHeldByOthers = error.GetCause() == FileException::Cause::kSharingViolation &&
+                                        !OpenFiles::Instance().HasOfThisThread(fFileSpec.fPath);
             if (!isHeldByOthers || clock.Now() - firstAttempt >= kLongestWait) throw;
         }
         clock.Sleep(kNoRest);
@@ -322,6 +358,7 @@ void TDicomFile::CloseFile() {
         // Nobody who closes a file can do anything about it; writers flush.
     }
     fFile.reset();
+    OpenFiles::Instance().Remove(this);
     fLock.unlock();
 }
 

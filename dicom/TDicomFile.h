@@ -78,8 +78,9 @@ class TDicomFile : public TIODSource {
                      const char* sopInstanceUID, const char* transferSyntaxUID,
                      const char* implementationClassUID, bool isBigEndian);
 
-    // Opens the file, readable by others or (kReadWrite) alone, and notes its size. While another program
-    // holds it in a conflicting way, tries again at once for up to 50 seconds. Does nothing when this thread
+    // Opens the file, readable by others or (kReadWrite) alone, and notes its size. While another program or
+    // thread holds it in a conflicting way, tries again at once for up to 50 seconds; what this thread has
+    // open itself, as another object, is not waited for. Does nothing when this thread
     // has it open already. Throws FileException; the file is then closed and its lock free.
     void OpenFile(Platform::FileAccess access);
 
@@ -100,9 +101,7 @@ class TDicomFile : public TIODSource {
     void WriteFile();
 
     // Bytes of the open file from where the last of these operations ended, at first its start: up to
-    // `count`, fewer only at the end. Rewind goes back to the start. Failures name "image data" and "image
-    // file".
-    void Rewind() { SeekTo(OpenedFile(), 0); }
+    // `count`, fewer only at the end. Failures name "image data" and "image file".
     size_t ReadNext(void* buffer, size_t count) { return ReadBytes(OpenedFile(), buffer, count); }
     void WriteNext(const void* bytes, size_t count) { WriteBytes(OpenedFile(), bytes, count); }
 

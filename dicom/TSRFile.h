@@ -31,6 +31,9 @@ class TSRFile : public TDicomFile {
     bool CheckForQuantixReport();
     bool HasQuantixReport() const { return fHasReport; }
 
+    // For who knows the answer already.
+    void SetHasQuantixReport(bool hasReport) { fHasReport = hasReport; }
+
     // True when the second character of Modality is 'R'. The first is not looked at: hosts rely on MR and CR
     // passing as well.
     bool IsSRModality();

@@ -51,7 +51,9 @@ TDicomDoc* IdentityIndex::Find(TDicomDoc* doc, const std::function<bool(const TD
     if (!identity) return nullptr;
     for (auto next = fDocs.lower_bound({*identity, 0});
          next != fDocs.end() && next->first.fIdentity == *identity; ++next) {
-        if (next->second->IsSameRecord(doc) && counts(*next->second)) return next->second;
+        TDicomDoc* const candidate = next->second;
+        const bool isSame = candidate->GetDocType() == doc->GetDocType() && candidate->IsSameRecord(doc);
+        if (isSame && counts(*candidate)) return candidate;
     }
     return nullptr;
 }

@@ -235,7 +235,7 @@ void RecordLoader::PutInPlace(std::unique_ptr<TDicomDoc>& doc, TDicomDoc* parent
     } else if (parent->AddChild(doc.get(), nullptr, true, error)) {
         static_cast<void>(doc.release());  // the parent's now
     } else if (depth <= kDeepestForeignChild) {
-        parent->KeepForeignChild(std::move(doc));
+        parent->KeepForeignChild(doc);
     }
 }
 

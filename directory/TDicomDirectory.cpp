@@ -5,6 +5,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "dicom/Attempt.h"
 #include "dicom/TException.h"
 #include "dicom/TTextUtil.h"
 #include "directory/ExamFolder.h"
@@ -120,11 +121,29 @@ void TDicomDirectory::RefreshDocs() {
     // Without meta information, which a file that has become unreadable leaves behind, as it was read.
     const int64_t dataSetStart = fMetaDataSet == nullptr ? fDataOffset : GetHeaderSize();
     RecordLoader loader(*fDataSet, dataSetStart - fRecordShift, *this);
-    loader.Load();  // before the documents that are there go
+    fReportAnswers.emplace();
+    try {
+        loader.Load();  // before the documents that are there go
+    } catch (...) {
+        fReportAnswers.reset();
+        throw;
+    }
+    fReportAnswers.reset();
     ClearLists();
     for (auto& stray : loader.TakeStrayDocs()) TDicomDirectory::KeepDoc(stray.release());
     FillLists(loader.TakeRootDocs());
     DetectExamLayout();
+}
+
+// A medium may name one file in each of its records.
+void TDicomDirectory::CheckReport(TSRFile& file) {
+    if (!fReportAnswers) {
+        file.CheckForQuantixReport();
+        return;
+    }
+    const auto [answer, isNew] = fReportAnswers->emplace(file.GetFileSpec()->fPath, false);
+    if (isNew) answer->second = file.CheckForQuantixReport();
+    file.SetHasQuantixReport(answer->second);
 }
 
 void TDicomDirectory::FillLists(std::vector<std::unique_ptr<TDicomDoc>> rootDocs) {
@@ -261,7 +280,7 @@ void TDicomDirectory::RegisterDoc(TDicomDoc* doc) {
         if (list.HasItem(static_cast<T*>(doc))) return;
         list.InsertItemAt(list.kAtEnd, static_cast<T*>(doc));
         doc->Register();
-        if (fIndex != nullptr) fIndex->Add(doc);
+        if (fIndex != nullptr && !Succeeds([&] { fIndex->Add(doc); })) fIndex.reset();
     });
 }
 
@@ -455,6 +474,7 @@ std::unique_ptr<TDicomFile> TDicomDirectory::TakeRegisteredFile(const char* sopC
     if (found == fRegisteredFiles.end()) return nullptr;
     std::unique_ptr<TDicomFile> file = std::move(*found);
     fRegisteredFiles.erase(found);
+    fImportedFiles.erase(file.get());
     return file;
 }
 

@@ -3,8 +3,10 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -253,6 +255,7 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     std::shared_ptr<const TFilePlaces> GetFilePlaces() override;
     double GetAvailableSpace() override;
     uint32_t GetImageSetting() const override { return fImageDocFlag; }
+    void CheckReport(TSRFile& file) override;
     void RegisterDoc(TDicomDoc* doc) override;
     void NoteIdentity(TDicomDoc* doc) override;
     void RemoveDocs(const TListOf<TDicomDoc>& docs) override;
@@ -352,6 +355,7 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     std::shared_ptr<const MediaPlaces> fPlaces;  // for fPlacesOf; null when they have to be made anew
     std::unique_ptr<IdentityIndex> fIndex;  // of the documents in the lists; null until one is looked for
     Platform::FileMark fReadMark;           // of the file that the documents are of
+    std::optional<std::unordered_map<std::string, bool>> fReportAnswers;  // by path, while loading
     int64_t fRecordShift = 0;  // how far the records have moved in the data set since it was read
     HeldDocs fOtherRootDocs;   // on the top level of the tree without being patients
     HeldDocs fPlacelessDocs;   // in no list and below no document

@@ -181,7 +181,7 @@ class TDicomDirectory::OldContent {
 };
 
 bool TDicomDirectory::ReloadIfChanged() {
-    if (IsCurrent()) return true;
+    if (IsOpen() || IsCurrent()) return true;  // nobody changes it while it is open
     const bool isRead = ReadAgain(Platform::FileAccess::kRead);
     CloseFile();
     return isRead;
@@ -236,8 +236,6 @@ TDicomDoc* TDicomDirectory::AddFile(const std::string& path) {
 TDicomDoc* TDicomDirectory::EnterFile(const std::string& path, SeriesNumbers numbers) {
     const TFileSpec fileSpec(path);
     if (path.size() >= kPathTooLong || !GetPlaces().IsInside(fileSpec)) return nullptr;
-    // While it is open for updating, to look into the DICOMDIR would be to wait for ourselves.
-    if (IsOpen() && Platform::IsSameFile(path, fFileSpec.fPath)) return nullptr;
     // A record keeps the file ID in upper case: of two names that differ in case only one can be entered.
     const std::string fileID = MakeStoredFileID(fileSpec);
     TFileSpec named;
@@ -281,10 +279,15 @@ std::string TDicomDirectory::MakeStoredFileID(const TFileSpec& fileSpec) {
 // Of all files that the records name.
 std::unordered_set<std::string> TDicomDirectory::CollectFileIDs() const {
     std::unordered_set<std::string> fileIDs;
-    for (TDicomDoc* rootDoc : GetRootDocs()) {
-        TListOf<TDicomDoc> docs;
-        rootDoc->GetChildDocs(docs, false);
-        for (const TDicomDoc* doc : docs) fileIDs.insert(FileIDOf(*doc));
+    HeldDocs docs = GetRootDocs();
+    while (!docs.empty()) {
+        TDicomDoc* const doc = docs.back();
+        docs.pop_back();
+        fileIDs.insert(FileIDOf(*doc));
+        TListOf<TDicomDoc> children;
+        doc->GetChildDocs(children, true);
+        docs.insert(docs.end(), children.begin(), children.end());
+        docs.insert(docs.end(), doc->GetForeignChildren().begin(), doc->GetForeignChildren().end());
     }
     return fileIDs;
 }

@@ -16,9 +16,7 @@
 #include "platform/FileException.h"
 #include "platform/FileSystem.h"
 #include "platform/PathStyle.h"
-#include "records/TImageDoc.h"
 #include "records/TPatientDoc.h"
-#include "records/TSR_Doc.h"
 #include "records/TSeriesDoc.h"
 #include "records/TStudyDoc.h"
 
@@ -67,15 +65,6 @@ bool HasUID(const TStudyDoc& study, const char* uid) {
     return study.GetStudyUID(studyUID, sizeof(studyUID)) && TTextUtil().EqualStrings(studyUID, uid);
 }
 
-// The document of a class that is the same instance.
-template <typename Doc>
-TDicomDoc* FindInstance(TDicomDirectory& directory, std::unique_ptr<Doc> wanted, TDicomFile& file) {
-    TUidText uid;
-    if (file.GetSOPClassUID(uid.fText)) wanted->SetSOPClassUID(uid.fText);
-    if (file.GetSOPInstanceUID(uid.fText)) wanted->SetSOPInstanceUID(uid.fText);
-    return directory.FindDoc(wanted.get());
-}
-
 std::vector<uint8_t> AllocateBuffer(uint32_t size) {
     try {
         return std::vector<uint8_t>(size);
@@ -89,24 +78,41 @@ std::vector<uint8_t> AllocateBuffer(uint32_t size) {
 TSeriesTransfer::TSeriesTransfer(TDicomDirectory& destination, uint32_t bufferSize)
     : fDestination(destination), fBuffer(AllocateBuffer(bufferSize)) {}
 
+TSeriesTransfer::~TSeriesTransfer() { Reset(); }
+
 void TSeriesTransfer::SetDoc(TDicomDoc* doc) {
     Reset();
     fDoc = doc;
     fLastStudyUID.Clear();
-    if (doc != nullptr) doc->CollectFiles(fFiles);
+    if (doc != nullptr) Collect(*doc);
+}
+
+// Each document in front of those below it.
+void TSeriesTransfer::Collect(TDicomDoc& doc) {
+    fDocs.push_back(&doc);
+    doc.Register();
+    if (doc.GetDicomFile() != nullptr) fFiled.push_back(&doc);
+    TListOf<TDicomDoc> children;
+    doc.GetChildDocs(children, true);
+    for (TDicomDoc* child : children) Collect(*child);
 }
 
 void TSeriesTransfer::Reset() {
     CloseFiles();
-    fFiles.RemoveAllItems();
+    fFiled.clear();
+    while (!fDocs.empty()) {
+        TDicomDoc* const doc = fDocs.back();
+        fDocs.pop_back();
+        doc->Release();
+        if (!doc->IsInUse()) delete doc;
+    }
     fDoc = nullptr;
     fState = State::kStart;
 }
 
 void TSeriesTransfer::CloseFiles() {
-    if (fState != State::kCopying) return;
-    fSource->CloseFile();
-    fCopy->CloseFile();
+    if (fSource != nullptr) fSource->CloseFile();
+    if (fCopy != nullptr) fCopy->CloseFile();
 }
 
 bool TSeriesTransfer::Step(int32_t timeBudget, int32_t& doneKB, int32_t& totalKB, char* message) {
@@ -128,41 +134,41 @@ bool TSeriesTransfer::Step(int32_t timeBudget, int32_t& doneKB, int32_t& totalKB
 }
 
 void TSeriesTransfer::Start(int32_t& doneKB, int32_t& totalKB) {
-    if (fFiles.GetCount() == 0) {
+    if (fFiled.empty()) {
         fState = State::kFinish;
         return;
     }
     totalKB = fDoc->GetDiskSpace();
     doneKB = 0;
-    fFileIndex = 1;
-    fFiles.FetchItemAt(fFileIndex, fSource);
-    fCopy.reset();
+    fFileIndex = 0;
     fState = State::kOpenFile;
 }
 
 // ---- One file ----
 
 void TSeriesTransfer::OpenNextFile() {
+    if (FiledDoc().GetDicomFile() == nullptr) return GoOn();  // it has been taken away
     Succeeds([this] { RepairStudyID(); });
     char fileID[TFileSpec::kPathSize];
     uint32_t length = 0;
-    fDestination.MakeNextFileName(fileID, length, KindOf(*fSource));
+    fDestination.MakeNextFileName(fileID, length, KindOf(*FiledDoc().GetDicomFile()));
     TFileSpec fileSpec;
     fDestination.MakeFileSpec({fileID, length}, fileSpec);
-    const bool isOpen = Succeeds([this] {
-        fSource->OpenFile(Platform::FileAccess::kRead);
-        fSource->Rewind();  // a host may have it open, and have read
-    });
-    if (!isOpen) return GoOn();
+    if (!OpenSource()) return GoOn();
     fFileSize = fSource->GetFileSize();
     try {
         CreateCopy(fileSpec);
     } catch (...) {
-        fSource->CloseFile();
+        CloseFiles();
         throw;
     }
     fBytesCopied = 0;
     fState = State::kCopying;
+}
+
+bool TSeriesTransfer::OpenSource() {
+    fSource = std::make_unique<TDicomFile>(0, *FiledDoc().GetDicomFile()->GetFileSpec(), 0);
+    return Succeeds([this] { fSource->OpenFile(Platform::FileAccess::kRead); });
 }
 
 // A record without Study ID is given that of the first file that has one. Files are only looked into while
@@ -171,7 +177,7 @@ void TSeriesTransfer::RepairStudyID() {
     const std::vector<TStudyDoc*> studies = StudiesOf(*fDoc);
     const bool areComplete = std::all_of(studies.begin(), studies.end(),
                                          [](const TStudyDoc* study) { return HasStudyID(*study); });
-    const TDicomDataSet* const elements = areComplete ? nullptr : fSource->GetDataSet();
+    const TDicomDataSet* const elements = areComplete ? nullptr : FiledDoc().GetDicomFile()->GetDataSet();
     char uid[kLongestText + 1];
     char studyID[kLongestText + 1];
     if (elements == nullptr || !elements->GetText(Tags::kStudyInstanceUID, uid, sizeof(uid)) ||
@@ -193,13 +199,15 @@ void TSeriesTransfer::CreateCopy(const TFileSpec& fileSpec) {
     const Platform::PathStyle& style = Platform::PathStyle::OfPlatform();
     std::string folder(style.FolderPart(fileSpec.fPath));
     if (!folder.empty()) folder.pop_back();
-    if (!folder.empty()) Platform::MakeFolderIfMissing(folder);
+    const bool isOnDisk = fileSpec.fStorage == nullptr && !folder.empty();
+    if (isOnDisk) Platform::MakeFolderIfMissing(folder);
+    TDicomFile& file = *FiledDoc().GetDicomFile();
     fCopy = std::make_unique<TDicomFile>(reinterpret_cast<uintptr_t>(&fDestination), fileSpec, 0,
-                                         fSource->GetFirstValue(), fSource->GetSecondValue());
+                                         file.GetFirstValue(), file.GetSecondValue());
     TUidText uid;
-    if (fSource->GetSOPClassUID(uid.fText)) fCopy->SetSOPClassUID(uid.fText);
-    if (fSource->GetSOPInstanceUID(uid.fText)) fCopy->SetSOPInstanceUID(uid.fText);
-    fCopy->CreateEmptyFile(fSource->IsExplicit(), fSource->IsBigEndian());
+    if (file.GetSOPClassUID(uid.fText)) fCopy->SetSOPClassUID(uid.fText);
+    if (file.GetSOPInstanceUID(uid.fText)) fCopy->SetSOPInstanceUID(uid.fText);
+    fCopy->CreateEmptyFile(file.IsExplicit(), file.IsBigEndian());
     fCopy->OpenFile(Platform::FileAccess::kReadWrite);
 }
 
@@ -247,22 +255,16 @@ void TSeriesTransfer::EndFile() {
 
 // To the next file, or to the end.
 void TSeriesTransfer::GoOn() {
+    fSource.reset();
     fCopy.reset();
-    if (fFileIndex == fFiles.GetCount()) {
-        fState = State::kFinish;
-        return;
-    }
     ++fFileIndex;
-    fFiles.FetchItemAt(fFileIndex, fSource);
-    fState = State::kOpenFile;
+    fState = fFileIndex == fFiled.size() ? State::kFinish : State::kOpenFile;
 }
 
 // True when the directory has a record of the file already, which then goes on naming the file that it names.
 bool TSeriesTransfer::HoldsInstance() {
-    if (fDoc->GetDirectory() == &fDestination && fDestination.FindDoc(fDoc) != nullptr) return true;
-    return FindInstance(fDestination, std::make_unique<TImageDoc>(nullptr, nullptr, 0), *fSource) !=
-               nullptr ||
-           FindInstance(fDestination, std::make_unique<TSR_Doc>(nullptr, nullptr), *fSource) != nullptr;
+    const bool isHere = fDoc->GetDirectory() == &fDestination && fDestination.FindDoc(fDoc) != nullptr;
+    return isHere || fDestination.FindDoc(&FiledDoc()) != nullptr;
 }
 
 // A file that others are just looking at is free again in a moment; one that cannot be replaced stays what it

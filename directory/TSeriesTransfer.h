@@ -7,7 +7,6 @@
 #include "dicom/TDicomFile.h"
 #include "dicom/TIODSource.h"
 #include "records/TDicomDoc.h"
-#include "records/TListOf.h"
 
 namespace Vantor {
 
@@ -21,8 +20,13 @@ class TSeriesTransfer {
     // `destination` must outlive this object. Throws TException 100 "Can not allocate transfer memory".
     TSeriesTransfer(TDicomDirectory& destination, uint32_t bufferSize);
 
-    // Ends what is under way and starts anew with a document. The caller keeps it, and those above and below
-    // it, until it is done or this object is reset.
+    // Closes what is open and gives the documents back.
+    ~TSeriesTransfer();
+    TSeriesTransfer(const TSeriesTransfer&) = delete;
+    TSeriesTransfer& operator=(const TSeriesTransfer&) = delete;
+
+    // Ends what is under way and starts anew with a document, which is counted, and all below it, until it is
+    // done or this object is reset. Those above it are the caller's to keep.
     void SetDoc(TDicomDoc* doc);
 
     // Closes the files of a copy under way and forgets the document. What was copied stays on disk.
@@ -45,17 +49,21 @@ class TSeriesTransfer {
     void CloseFiles();
 
     void RepairStudyID();
+    TDicomDoc& FiledDoc() const { return *fFiled[fFileIndex]; }
+    void Collect(TDicomDoc& doc);
+    bool OpenSource();
     void CreateCopy(const TFileSpec& fileSpec);
     bool HoldsInstance();
     void MoveOntoSource();
     TDicomDoc* AddCopy(TDicomDoc& source, TDicomDoc& target, int32_t& stop);
     void AddMissingDocs(TDicomDoc& source, TDicomDoc& target, int32_t& stop);
 
-    TListOf<TDicomFile> fFiles;
     TDicomDoc* fDoc = nullptr;
+    std::vector<TDicomDoc*> fDocs;   // the document and all below it, counted
+    std::vector<TDicomDoc*> fFiled;  // those of them that have a file
     State fState = State::kStart;
-    int32_t fFileIndex = 0;  // 1 for the first
-    TDicomFile* fSource = nullptr;
+    size_t fFileIndex = 0;                // of the document at hand among them
+    std::unique_ptr<TDicomFile> fSource;  // its file as it is read; hosts may do otherwise with their own
     std::unique_ptr<TDicomFile> fCopy;
     TDicomDirectory& fDestination;
     int64_t fBytesCopied = 0;

@@ -151,10 +151,11 @@ TDicomDoc* TDicomDoc::CopyToDirectory(TRecordDirectory* directory, TDicomDoc* pa
 
 TDicomDoc* TDicomDoc::PlaceCopy(const TDicomDataSet* record, TRecordDirectory* directory, TDicomDoc* parent,
                                 bool deep, int32_t& error) {
-    TDicomDoc* const copy = MakeCopy(record, directory).release();
-    copy->fIsNew = true;
+    std::unique_ptr<TDicomDoc> made = MakeCopy(record, directory);
+    made->fIsNew = true;
+    if (directory != nullptr) directory->RegisterDoc(made.get());
+    TDicomDoc* const copy = made.release();
     copy->SetParentObj(parent);
-    if (directory != nullptr) directory->RegisterDoc(copy);
     if (!deep) return copy;
     TListOf<TDicomDoc> children;
     GetChildDocs(children, true);
@@ -167,7 +168,7 @@ TDicomDoc* TDicomDoc::PlaceCopy(const TDicomDataSet* record, TRecordDirectory* d
 
 // ---- Foreign children ----
 
-void TDicomDoc::KeepForeignChild(std::unique_ptr<TDicomDoc> child) {
+void TDicomDoc::KeepForeignChild(std::unique_ptr<TDicomDoc>& child) {
     if (fForeignChildren == nullptr) fForeignChildren = std::make_unique<std::vector<TDicomDoc*>>();
     fForeignChildren->push_back(child.get());
     child.release()->Register();

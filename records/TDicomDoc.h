@@ -133,7 +133,8 @@ class TDicomDoc : public TIODSource {
 
     // Records that stand below this one on the medium although it takes none of their type. They are no
     // children, and only kept to be written back; they go with this document.
-    void KeepForeignChild(std::unique_ptr<TDicomDoc> child);
+    // Takes the child over, which is null then.
+    void KeepForeignChild(std::unique_ptr<TDicomDoc>& child);
     const std::vector<TDicomDoc*>& GetForeignChildren() const;
 
     // Appends the files of this document and of all below it, each document's own before those below it.

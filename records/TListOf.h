@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <iterator>
 #include <memory>
+#include <new>
 #include <stdexcept>
 #include <unordered_set>
 #include <vector>
@@ -37,7 +38,7 @@ class TListOf : public TRefCount {
         const size_t index = IndexOf(position);
         if (index > fItems.size()) throw std::out_of_range("TListOf::InsertItemAt");
         fItems.insert(fItems.begin() + static_cast<std::ptrdiff_t>(index), item);
-        if (fIndex != nullptr) fIndex->insert(item);
+        if (fIndex != nullptr) AddToIndex(item);
     }
 
     // The position of the first occurrence; 0 when there is none.
@@ -98,6 +99,15 @@ class TListOf : public TRefCount {
     static constexpr size_t kIndexedFrom = 32;
 
     using Index = std::unordered_multiset<const T*>;
+
+    // Without memory it does without an index.
+    void AddToIndex(const T* item) {
+        try {
+            fIndex->insert(item);
+        } catch (const std::bad_alloc&) {
+            fIndex.reset();
+        }
+    }
 
     static size_t IndexOf(int32_t position) { return static_cast<size_t>(int64_t{position} - 1); }
 

@@ -5,6 +5,7 @@
 
 #include "dicom/TDicomFile.h"
 #include "dicom/TFileSpec.h"
+#include "dicom/TSRFile.h"
 #include "records/TFilePlaces.h"
 #include "records/TListOf.h"
 
@@ -51,6 +52,10 @@ class TRecordDirectory {
 
     // An element by which a document is looked up may have changed.
     virtual void NoteIdentity(TDicomDoc* /*doc*/) {}
+
+    // Has a report's file look whether it is one of the reporting product. A directory that is being loaded
+    // remembers the answer for the next record that names the file.
+    virtual void CheckReport(TSRFile& file) { file.CheckForQuantixReport(); }
 
     // Takes in a document that has lost its place in the tree, so that it goes when the tree goes.
     virtual void KeepDoc(TDicomDoc* doc) = 0;

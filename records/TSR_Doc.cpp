@@ -17,7 +17,11 @@ void TSR_Doc::MakeFile(const TFilePlaces& places) {
     const auto fileSpec = ReferencedFile::Find(Record(), places);
     if (!fileSpec) return;
     auto file = std::make_unique<TSRFile>(places.GetOwner(), *fileSpec);
-    file->CheckForQuantixReport();
+    if (TRecordDirectory* const directory = GetDirectory(); directory != nullptr) {
+        directory->CheckReport(*file);
+    } else {
+        file->CheckForQuantixReport();
+    }
     // What the record says counts, also where it says nothing: the file has told its own UIDs by now.
     TUidText sopClass;
     TUidText sopInstance;

@@ -253,33 +253,36 @@ struct WaitingClock : Platform::Clock {
     void Sleep(std::chrono::milliseconds duration) override {
         EXPECT_EQ(duration.count(), 0) << "retries follow at once";
         fNow += std::chrono::seconds(1);
-        if (++fSleeps == fLetGoAfter) fHolder->CloseFile();
+        if (++fSleeps == fLetGoAfter) fHolder->Close();
     }
 
     std::chrono::steady_clock::time_point fNow;
     int fSleeps = 0;
     int fLetGoAfter = 0;
-    TDicomFile* fHolder = nullptr;
+    std::unique_ptr<Platform::File> fHolder;
 };
 
 TEST_F(TDicomFileTest, WaitsFiftySecondsForAFileThatAnotherHolds) {
     constexpr int kSeconds = 50;
-    const auto holder = Open(SmallFile().Build());
+    const auto own = Open(SmallFile().Build());
+    own->OpenFile(FileAccess::kRead);
     TDicomFile file(0, Spec(), 0);
     const auto open = [&](FileAccess wanted) { return ThrownBy([&] { file.OpenFile(wanted); }); };
     EXPECT_EQ(open(FileAccess::kRead), "nothing") << "readers share";
+    file.CloseFile();
+    const std::string refused = Spec().fPath + std::string(": in use by another program");
+    EXPECT_EQ(open(FileAccess::kReadWrite), refused) << "held by this very thread, at once";
+    own->CloseFile();
     for (const FileAccess held : {FileAccess::kRead, FileAccess::kReadWrite}) {
         for (const int letGoAfter : {kSeconds, kSeconds + 1}) {
             file.CloseFile();
-            holder->CloseFile();
-            holder->OpenFile(held);
             WaitingClock clock;
-            clock.fHolder = holder.get();
+            clock.fHolder = Platform::OpenDiskFile(Spec().fPath, held);
             clock.fLetGoAfter = letGoAfter;
             const Platform::ReplacedClock replaced(clock);
             const bool isLetGo = letGoAfter == kSeconds;
             EXPECT_EQ(open(held == FileAccess::kRead ? FileAccess::kReadWrite : FileAccess::kRead),
-                      isLetGo ? "nothing" : Spec().fPath + std::string(": in use by another program"));
+                      isLetGo ? "nothing" : refused);
             EXPECT_EQ(clock.fSleeps, kSeconds);
         }
     }
