@@ -189,22 +189,19 @@ void TDicomDoc::DropForeignChildren() {
 
 // ---- Files ----
 
-void TDicomDoc::CollectFiles(TListOf<TDicomFile>& files) { Collect(files, Files::kAll); }
-
-void TDicomDoc::Collect(TListOf<TDicomFile>& list, Files files) {
+void TDicomDoc::CollectFiles(TListOf<TDicomFile>& files) {
     TDicomFile* const file = GetDicomFile();
-    const bool isOurs = files == Files::kAll || fPlaces == nullptr ||
-                        (file != nullptr && fPlaces->IsInside(*file->GetFileSpec()));
-    if (file != nullptr && isOurs) list.InsertItemAt(list.kAtEnd, file);
+    const bool isOurs = fPlaces == nullptr || (file != nullptr && fPlaces->IsInside(*file->GetFileSpec()));
+    if (file != nullptr && isOurs) files.InsertItemAt(files.kAtEnd, file);
     TListOf<TDicomDoc> children;
     GetChildDocs(children, true);
-    for (TDicomDoc* child : children) child->Collect(list, files);
+    for (TDicomDoc* child : children) child->CollectFiles(files);
 }
 
 void TDicomDoc::DeleteFilesFromDisk() {
     TListOf<TDicomFile> files;
     try {
-        Collect(files, Files::kOnTheMedium);
+        CollectFiles(files);
     } catch (TException* thrown) {
         const std::unique_ptr<TException> error(thrown);
         return;

@@ -137,9 +137,6 @@ class TDicomDoc : public TIODSource {
     void KeepForeignChild(std::unique_ptr<TDicomDoc>& child);
     const std::vector<TDicomDoc*>& GetForeignChildren() const;
 
-    // Appends the files of this document and of all below it, each document's own before those below it.
-    void CollectFiles(TListOf<TDicomFile>& files);
-
     // Removes the files of this document and of all below it from disk, as far as that goes. Records stay,
     // and so do files that lie elsewhere than below the directory's folder.
     void DeleteFilesFromDisk();
@@ -203,8 +200,7 @@ class TDicomDoc : public TIODSource {
 
   private:
     void Wake();
-    enum class Files { kAll, kOnTheMedium };
-    void Collect(TListOf<TDicomFile>& list, Files files);
+    void CollectFiles(TListOf<TDicomFile>& files);
     void DropForeignChildren();
     void AddIfAbsent(Tag tag, VrCode vr, const void* value, uint32_t length);
 
