@@ -137,6 +137,10 @@ class TDicomDoc : public TIODSource {
     void KeepForeignChild(std::unique_ptr<TDicomDoc>& child);
     const std::vector<TDicomDoc*>& GetForeignChildren() const;
 
+    // Appends the files of this document and of all below it, as far as they are the medium's: a record may
+    // name one that lies elsewhere than below the directory's folder.
+    void CollectFiles(TListOf<TDicomFile>& files);
+
     // Removes the files of this document and of all below it from disk, as far as that goes. Records stay,
     // and so do files that lie elsewhere than below the directory's folder.
     void DeleteFilesFromDisk();
@@ -200,7 +204,6 @@ class TDicomDoc : public TIODSource {
 
   private:
     void Wake();
-    void CollectFiles(TListOf<TDicomFile>& files);
     void DropForeignChildren();
     void AddIfAbsent(Tag tag, VrCode vr, const void* value, uint32_t length);
 
