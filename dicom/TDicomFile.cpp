@@ -7,6 +7,7 @@
 #include <map>
 #include <mutex>
 #include <new>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -192,15 +193,22 @@ class OpenFiles {
         fFiles.erase(file);
     }
     bool HasOfThisThread(const char* path) const {
-        const std::lock_guard<std::mutex> lock(fMutex);
-        return std::any_of(fFiles.begin(), fFiles.end(), [path](const auto& open) {
-            const TFileSpec& fileSpec = *open.first->GetFileSpec();
-            return open.second == std::this_thread::get_id() && fileSpec.fStorage == nullptr &&
-                   Platform::IsSameFile(fileSpec.fPath, path);
-        });
+        std::vector<std::string> own;
+        {
+            const std::lock_guard<std::mutex> lock(fMutex);
+            for (const auto& [file, thread] : fFiles) {
+                const bool isOwn = thread == std::this_thread::get_id();
+                if (isOwn && file->GetFileSpec()->fStorage == nullptr)
+                    own.emplace_back(file->GetFileSpec()->fPath);
+            }
+        }
+        return std::any_of(own.begin(), own.end(),
+                           [path](const std::string& open) { return Platform::IsSameFile(open, path); });
     }
+
+    // Never destroyed: a file that a host keeps to the very end is closed after everything else.
     static OpenFiles& Instance() {
-        static OpenFiles files;
+        static OpenFiles& files = *new OpenFiles;
         return files;
     }
 
@@ -333,6 +341,7 @@ void TDicomFile::OpenFile(Platform::FileAccess access) {
 std::unique_ptr<Platform::File> TDicomFile::OpenWaitingForOthers(Platform::FileAccess access) const {
     Platform::Clock& clock = Platform::Clock::Current();
     const auto firstAttempt = clock.Now();
+    std::optional<bool> isOwn;
     for (;;) {
         try {
             if (fIsReplaced && access == Platform::FileAccess::kReadWrite) {
@@ -340,9 +349,9 @@ std::unique_ptr<Platform::File> TDicomFile::OpenWaitingForOthers(Platform::FileA
             }
             return Platform::OpenDiskFile(fFileSpec.fPath, access);
         } catch (const FileException& error) {
-            const bool isHeldByOthers = error.GetCause() == FileException::Cause::kSharingViolation &&
-                                        !OpenFiles::Instance().HasOfThisThread(fFileSpec.fPath);
-            if (!isHeldByOthers || clock.Now() - firstAttempt >= kLongestWait) throw;
+            if (error.GetCause() != FileException::Cause::kSharingViolation) throw;
+            if (!isOwn) isOwn = OpenFiles::Instance().HasOfThisThread(fFileSpec.fPath);
+            if (*isOwn || clock.Now() - firstAttempt >= kLongestWait) throw;
         }
         clock.Sleep(kNoRest);
     }

@@ -105,6 +105,9 @@ class TDicomFile : public TIODSource {
     size_t ReadNext(void* buffer, size_t count) { return ReadBytes(OpenedFile(), buffer, count); }
     void WriteNext(const void* bytes, size_t count) { WriteBytes(OpenedFile(), bytes, count); }
 
+    // Hands what was written to the open file to the medium; returns when it is there. Throws FileException.
+    void Flush() { OpenedFile().Flush(); }
+
     // Sets the transfer syntax flags of the main data set and creates or empties the file at the path.
     void CreateEmptyFile(bool isExplicit, bool isBigEndian);
 

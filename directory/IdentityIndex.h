@@ -23,8 +23,8 @@ class IdentityIndex {
     void Remove(const TDicomDoc* doc);
     void Update(TDicomDoc* doc);
 
-    // The first one that is the same record; null when there is none, and for a document that has nothing to
-    // be looked up by.
+    // The first one for which `counts` is true and that is the same record; null when there is none, and for
+    // a document that has nothing to be looked up by.
     TDicomDoc* Find(TDicomDoc* doc, const std::function<bool(const TDicomDoc&)>& counts) const;
 
   private:

@@ -14,7 +14,6 @@
 #include "directory/MediaPlaces.h"
 #include "directory/RecordLoader.h"
 #include "directory/TSeriesTransfer.h"
-#include "platform/FileException.h"
 #include "platform/FileSystem.h"
 #include "platform/PathStyle.h"
 
@@ -108,9 +107,19 @@ void TDicomDirectory::ReadDirectory() {
 // What is noted of the file is taken from it while it is open: by its path another one may be there by now.
 void TDicomDirectory::ReadContent() {
     ReadFile();
+    if (fDataSet == nullptr) return ForgetContent();
     fRecordShift = 0;
     fReadMark = fFile->GetMark();
     fLastWriteTime = fReadMark.fLastWriteTime;
+}
+
+// What could not be understood is not written over: it counts as changed until somebody makes it anew.
+void TDicomDirectory::ForgetContent() {
+    fMetaDataSet.reset();
+    fDataSet.reset();
+    fRecordShift = 0;
+    fReadMark = {};
+    fLastWriteTime = {};
 }
 
 // ---- Making the documents ----

@@ -267,8 +267,9 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     // Of the file at `fileSpec`, which is not looked at.
     TDicomDirectory(const TFileSpec& fileSpec, uint32_t imageDocFlag, int32_t directoryType);
 
-    // The part of the opening constructor that reads.
+    // The part of the opening constructor that reads; and what is left to do when that fails.
     void ReadDirectory();
+    void ForgetContent();
 
     // Who numbers a series whose files do not.
     enum class SeriesNumbers { kFromRecord, kLater };
@@ -304,6 +305,7 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     void ReadContent();
     bool ReadAgain(Platform::FileAccess access);
     bool IsAsRead();
+    bool IsOfDocs() const;
     std::string MakeStoredFileID(const TFileSpec& fileSpec);
     void StartMoving(int32_t index);
     void WriteRecords(TDicomDataSet* present, const HeldDocs& rootDocs);

@@ -15,7 +15,6 @@
 #include "directory/RecordWriter.h"
 #include "directory/TDicomDirectory.h"
 #include "platform/Ascii.h"
-#include "platform/FileException.h"
 #include "platform/FileReplacement.h"
 #include "platform/FileSystem.h"
 #include "records/TDicomUtils.h"
@@ -81,9 +80,19 @@ void TDicomDirectory::WriteDICOMDIR() {
     OpenFile(Platform::FileAccess::kReadWrite);
     // What others have written since would be gone. A stream has no time, and nobody else.
     const bool mayHaveChanged = !wasOpen && fFileSpec.fStorage == nullptr;
-    if (mayHaveChanged && !IsCurrent())
+    if (mayHaveChanged && !IsOfDocs())
         throw new TException(ErrorNumbers::kRecordStructure, "DICOMDIR has changed");
     WriteRecords(fDataSet.get(), GetRootDocs());
+}
+
+// True when the open file is the one that was read or written last, or a new one, or one whose documents were
+// all taken out to make it anew. Hosts note its time after they have written it, which may be another's by
+// then.
+bool TDicomDirectory::IsOfDocs() const {
+    const Platform::FileMark mark = fFile->GetMark();
+    const bool isAnew = fReadMark == Platform::FileMark() || GetRootDocs().empty();
+    return IsCurrent() &&
+           (isAnew || (mark.fLastWriteTime == fReadMark.fLastWriteTime && mark.fSize == fReadMark.fSize));
 }
 
 TDicomDirectory::HeldDocs TDicomDirectory::GetRootDocs() const {

@@ -80,7 +80,7 @@ TFolderDirectory::TFolderDirectory(const std::string& path, const char* director
 }
 
 void TFolderDirectory::OpenDICOMDIR() {
-    Succeeds([this] { ReadDirectory(); });
+    if (!Succeeds([this] { ReadDirectory(); })) ForgetContent();
     CloseFile();
 }
 

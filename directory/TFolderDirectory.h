@@ -33,7 +33,7 @@ class TFolderDirectory final : public TDicomDirectory {
     TFolderDirectory(const std::string& path, const char* directoryName, int32_t mode);
 
     // With a DICOMDIR, as TDicomDirectory. Without, the files are looked through again when the folder's
-    // last- write time has changed. Hosts rely on the answer: false without a DICOMDIR, and when nothing has
+    // last-write time has changed. Hosts rely on the answer: false without a DICOMDIR, and when nothing has
     // changed.
     bool ReloadIfChanged() override;
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <exception>
 #include <new>
 #include <string>
 #include <utility>
@@ -219,6 +218,18 @@ void TSeriesTransfer::Copy(int32_t timeBudget, int32_t& doneKB) {
     } while (fState == State::kCopying && clock.Now() - start < std::chrono::milliseconds(timeBudget));
 }
 
+// After a failure of the destination the file is copied anew.
+template <typename Operation>
+void TSeriesTransfer::OnCopy(Operation operation) {
+    try {
+        operation();
+    } catch (...) {
+        CloseFiles();
+        fState = State::kOpenFile;
+        throw;
+    }
+}
+
 void TSeriesTransfer::CopyChunk(int32_t& doneKB) {
     const auto count =
         static_cast<size_t>(std::min(fFileSize - fBytesCopied, static_cast<int64_t>(fBuffer.size())));
@@ -231,21 +242,18 @@ void TSeriesTransfer::CopyChunk(int32_t& doneKB) {
         CloseFiles();
         return GoOn();
     }
-    try {
-        fCopy->WriteNext(fBuffer.data(), count);
-    } catch (...) {
-        CloseFiles();
-        fState = State::kOpenFile;
-        throw;
-    }
+    OnCopy([this, count] { fCopy->WriteNext(fBuffer.data(), count); });
     fBytesCopied += static_cast<int64_t>(count);
     doneKB += static_cast<int32_t>(static_cast<int64_t>(count) / kKilobyte);
     if (fBytesCopied == fFileSize) EndFile();
 }
 
 void TSeriesTransfer::EndFile() {
+    const bool replacesSource = HoldsInstance();
+    // The old content goes away, so the new one has to be on the medium by then.
+    if (replacesSource) OnCopy([this] { fCopy->Flush(); });
     CloseFiles();
-    if (HoldsInstance()) {
+    if (replacesSource) {
         MoveOntoSource();
     } else {
         fDestination.RegisterImportedFile(std::move(fCopy));

@@ -43,6 +43,8 @@ class TSeriesTransfer {
     void OpenNextFile();
     void Copy(int32_t timeBudget, int32_t& doneKB);
     void CopyChunk(int32_t& doneKB);
+    template <typename Operation>
+    void OnCopy(Operation operation);
     void EndFile();
     void GoOn();
     void Finish(char* message);

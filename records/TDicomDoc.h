@@ -132,8 +132,8 @@ class TDicomDoc : public TIODSource {
     TDicomDataSet ViewRecord() const;
 
     // Records that stand below this one on the medium although it takes none of their type. They are no
-    // children, and only kept to be written back; they go with this document.
-    // Takes the child over, which is null then.
+    // children, and only kept to be written back; they go with this document. A child that is taken over is
+    // null then.
     void KeepForeignChild(std::unique_ptr<TDicomDoc>& child);
     const std::vector<TDicomDoc*>& GetForeignChildren() const;
 
@@ -168,9 +168,8 @@ class TDicomDoc : public TIODSource {
     // The record's elements; null without a data set.
     TDicomDataSet* Record() const;
 
-    // Makes the object for the file that the record names, for the classes that have one. Constructors of
-    // these end with FindFile, which asks for it when there is a directory.
-    // MakeFile hands it over with KeepFile.
+    // Makes the object for the file that the record names, and hands it over with KeepFile, for the classes
+    // that have one. Constructors of these end with FindFile, which asks for it when there is a directory.
     virtual void MakeFile(const TFilePlaces& /*places*/) {}
     void FindFile();
     void KeepFile(std::unique_ptr<TDicomFile> file) { fDicomFile = std::move(file); }

@@ -320,4 +320,21 @@ TEST_F(TFolderDirectoryTest, KeepsFailuresOfWritingToItself) {
     EXPECT_FALSE(fDirectory->OpenForUpdating());
 }
 
+// There may be a way to get at its records again.
+TEST_F(TFolderDirectoryTest, ADICOMDIRThatIsNotUnderstoodIsNotWrittenOver) {
+    FileBuilder noSyntax;
+    noSyntax.ReplaceMeta(ElementBuilder().Text(Tags::kMediaStorageSOPClassUID, Vr::kUI, "1.2"));
+    noSyntax.Data().Text(Tags::kFileSetID, Vr::kCS, "MEDIUM");
+    FileBuilder cut;
+    cut.Data().Header(Tags::kFileSetID, Vr::kCS, 100);
+    for (const Bytes& content : {noSyntax.Build(), cut.Build(), BytesOf("no DICOM file")}) {
+        const std::string path = fFolder.WriteFile("DICOMDIR", content);
+        Open();
+        EXPECT_FALSE(fDirectory->OpenForUpdating());
+        fDirectory->SetDirName("NEW");
+        fDirectory->WriteDICOMDIR();
+        EXPECT_EQ(ReadWholeFile(path), content);
+    }
+}
+
 }  // namespace
