@@ -223,15 +223,17 @@ bool TDicomDirectory::IsAsRead() {
     if (!IsCurrent() || fMetaDataSet == nullptr || fDataSet == nullptr) return false;
     if (mark == fReadMark) return true;
     if (mark.fLastWriteTime != fReadMark.fLastWriteTime || mark.fSize != fReadMark.fSize) return false;
-    const auto headerSize = static_cast<size_t>(GetHeaderSize());
-    const auto dataSize = static_cast<size_t>(fDataSet->GetDataSetSize());
-    std::vector<uint8_t> bytes(static_cast<size_t>(mark.fSize));
+    const auto size = static_cast<size_t>(mark.fSize);
+    if (mark.fSize != GetHeaderSize() + fDataSet->GetDataSetSize()) return false;
+    std::vector<uint8_t> bytes(size);
     SeekTo(*fFile, 0);
-    if (bytes.size() != headerSize + dataSize || ReadNext(bytes.data(), bytes.size()) != bytes.size() ||
-        !std::equal(bytes.begin() + static_cast<std::ptrdiff_t>(headerSize), bytes.end(),
-                    fDataSet->GetDataSet())) {
-        return false;
-    }
+    if (ReadNext(bytes.data(), size) != size) return false;
+    // The data set ends the file, and the meta information ends where it starts.
+    const auto dataSet = bytes.end() - fDataSet->GetDataSetSize();
+    const auto meta = dataSet - fMetaDataSet->GetDataSetSize();
+    const bool isSame = std::equal(meta, dataSet, fMetaDataSet->GetDataSet()) &&
+                        std::equal(dataSet, bytes.end(), fDataSet->GetDataSet());
+    if (!isSame) return false;
     fReadMark = mark;
     return true;
 }

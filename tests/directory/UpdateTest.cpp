@@ -105,7 +105,12 @@ TEST_F(UpdateTest, WhatCannotBeCreatedOrWrittenLeavesTheOldOne) {
 TEST_F(UpdateTest, ReadsAgainWhatIsNotTheFileThatItRead) {
     DirectoryBuilder longer = Medium(7);
     longer.AddPatient(8);
+    Bytes otherMedium = Medium().Build();
+    const std::string uid = FileBuilder::kInstanceUID;
+    *(std::search(otherMedium.begin(), otherMedium.end(), uid.begin(), uid.end()) + 10) = '7';
     const std::tuple<Bytes, int, std::string> cases[] = {{{}, 0, "P9(S2(s3(i4)))"},
+                                                         {Medium().Build(), 0, "P9(S2(s3(i4)))"},
+                                                         {otherMedium, 0, "P1(S2(s3(i4)))"},
                                                          {Medium(7).Build(), -2, "P7(S2(s3(i4)))"},
                                                          {Medium(7).Build(), 0, "P7(S2(s3(i4)))"},
                                                          {longer.Build(), 0, "P7(S2(s3(i4))) P8"}};
