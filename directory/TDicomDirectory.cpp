@@ -8,8 +8,8 @@
 #include "dicom/Attempt.h"
 #include "dicom/TException.h"
 #include "dicom/TTextUtil.h"
+#include "directory/DocIndex.h"
 #include "directory/ExamFolder.h"
-#include "directory/IdentityIndex.h"
 #include "directory/MediaPaths.h"
 #include "directory/MediaPlaces.h"
 #include "directory/RecordLoader.h"
@@ -35,6 +35,12 @@ constexpr int32_t kListedTypes[] = {TDicomDoc::kPatient, TDicomDoc::kStudy,   TD
 
 constexpr double kBytesPerKilobyte = 1024.0;
 constexpr uint32_t kLongestSeriesNumber = 64;
+
+// Empty for a document that is the same as itself only. Types do not share their identities.
+std::string IdentityOf(const TDicomDoc& doc) {
+    const std::string identity = doc.GetIdentity();
+    return identity.empty() ? identity : std::to_string(doc.GetDocType()) + identity;
+}
 
 void DestroyUnlessHeld(TDicomDoc* doc) {
     if (!doc->IsInUse()) delete doc;
@@ -219,7 +225,7 @@ void TDicomDirectory::ClearList(TListOf<T>& list, HeldDocs& withoutParent) {
 
 // What is below a patient goes with it; documents that are below none have to be looked after one by one.
 void TDicomDirectory::ClearLists() {
-    fIndex.reset();
+    ForgetIndexes();
     LeaveFalseParents();
     HeldDocs withoutParent;
     ClearList(fStudyDocs, withoutParent);
@@ -289,12 +295,13 @@ void TDicomDirectory::RegisterDoc(TDicomDoc* doc) {
         if (list.HasItem(static_cast<T*>(doc))) return;
         list.InsertItemAt(list.kAtEnd, static_cast<T*>(doc));
         doc->Register();
-        if (fIndex != nullptr && !Succeeds([&] { fIndex->Add(doc); })) fIndex.reset();
+        if (!Succeeds([&] { ForIndexesOf(doc->GetDocType(), [doc](DocIndex& index) { index.Add(doc); }); }))
+            ForgetIndexes();
     });
 }
 
 void TDicomDirectory::RemoveDoc(TDicomDoc* doc) {
-    if (fIndex != nullptr) fIndex->Remove(doc);
+    ForIndexesOf(doc->GetDocType(), [doc](DocIndex& index) { index.Remove(doc); });
     WithListOf(doc->GetDocType(), [doc]<typename T>(TListOf<T>& list) {
         if (!list.HasItem(static_cast<T*>(doc))) return;
         list.RemoveItem(static_cast<T*>(doc));
@@ -304,8 +311,8 @@ void TDicomDirectory::RemoveDoc(TDicomDoc* doc) {
 
 void TDicomDirectory::RemoveDocs(const TListOf<TDicomDoc>& docs) {
     const std::unordered_set<const TDicomDoc*> removed(docs.begin(), docs.end());
-    if (fIndex != nullptr) {
-        for (const TDicomDoc* doc : removed) fIndex->Remove(doc);
+    for (const TDicomDoc* doc : removed) {
+        ForIndexesOf(doc->GetDocType(), [doc](DocIndex& index) { index.Remove(doc); });
     }
     for (const int32_t docType : kListedTypes) {
         WithListOf(docType, [&removed]<typename T>(TListOf<T>& list) {
@@ -330,16 +337,20 @@ void TDicomDirectory::KeepDoc(TDicomDoc* doc) {
 
 TDicomDoc* TDicomDirectory::FindDoc(TDicomDoc* doc) {
     if (doc == nullptr) return nullptr;
-    IdentityIndex& index = GetIndex();
+    DocIndex& index = GetIndex();
     index.Update(doc);
-    const auto isInTree = [this](const TDicomDoc& member) { return IsInTree(member); };
-    if (TDicomDoc* const found = index.Find(doc, isInTree); found != nullptr) return found;
+    const auto isSame = [this, doc](TDicomDoc& member) {
+        return member.GetDocType() == doc->GetDocType() && member.IsSameRecord(doc) && IsInTree(member);
+    };
+    const std::string identity = IdentityOf(*doc);
+    TDicomDoc* const found = identity.empty() ? nullptr : index.Find(identity, isSame);
+    if (found != nullptr) return found;
     return HasDoc(doc) && IsInTree(*doc) && doc->IsSameRecord(doc) ? doc : nullptr;
 }
 
-IdentityIndex& TDicomDirectory::GetIndex() {
+DocIndex& TDicomDirectory::GetIndex() {
     if (fIndex != nullptr) return *fIndex;
-    auto index = std::make_unique<IdentityIndex>();
+    auto index = std::make_unique<DocIndex>(IdentityOf);
     for (const int32_t docType : kListedTypes) {
         WithListOf(docType, [&index](const auto& list) {
             for (TDicomDoc* doc : list) index->Add(doc);
@@ -350,7 +361,62 @@ IdentityIndex& TDicomDirectory::GetIndex() {
 }
 
 void TDicomDirectory::NoteIdentity(TDicomDoc* doc) {
-    if (fIndex != nullptr) fIndex->Update(doc);
+    ForIndexesOf(doc->GetDocType(), [doc](DocIndex& index) { index.Update(doc); });
+}
+
+template <typename Action>
+void TDicomDirectory::ForIndexesOf(int32_t docType, Action action) {
+    if (fIndex != nullptr) action(*fIndex);
+    const auto& hostIndex = fHostIndexes[static_cast<size_t>(docType)];
+    if (hostIndex != nullptr) action(*hostIndex);
+}
+
+void TDicomDirectory::ForgetIndexes() {
+    fIndex.reset();
+    for (auto& index : fHostIndexes) index.reset();
+}
+
+// ---- Documents as hosts name them ----
+
+DocIndex& TDicomDirectory::GetHostIndex(int32_t docType) {
+    std::unique_ptr<DocIndex>& kept = fHostIndexes[static_cast<size_t>(docType)];
+    if (kept != nullptr) return *kept;
+    auto index = std::make_unique<DocIndex>([](const TDicomDoc& doc) { return doc.GetHostKey(); });
+    WithListOf(docType, [&index](const auto& list) {
+        for (TDicomDoc* doc : list) index->Add(doc);
+    });
+    kept = std::move(index);
+    return *kept;
+}
+
+template <typename T>
+T* TDicomDirectory::FindByHostKey(const std::string& key) {
+    const auto hasKey = [&key](const TDicomDoc& doc) { return doc.GetHostKey() == key; };
+    return static_cast<T*>(GetHostIndex(T::kDocType).Find(key, hasKey));
+}
+
+TPatientDoc* TDicomDirectory::FindPatient(std::string_view name, std::string_view number) {
+    return FindByHostKey<TPatientDoc>(TPatientDoc::MakeHostKey(name, number));
+}
+
+TStudyDoc* TDicomDirectory::FindStudy(std::string_view uid) {
+    return FindByHostKey<TStudyDoc>(std::string(uid));
+}
+
+TSeriesDoc* TDicomDirectory::FindSeries(std::string_view uid) {
+    return FindByHostKey<TSeriesDoc>(std::string(uid));
+}
+
+TImageDoc* TDicomDirectory::FindImage(std::string_view instanceUID) {
+    return FindByHostKey<TImageDoc>(std::string(instanceUID));
+}
+
+TRawDataDoc* TDicomDirectory::FindRawData(std::string_view instanceUID) {
+    return FindByHostKey<TRawDataDoc>(std::string(instanceUID));
+}
+
+TSR_Doc* TDicomDirectory::FindReport(std::string_view instanceUID) {
+    return FindByHostKey<TSR_Doc>(std::string(instanceUID));
 }
 
 // False for what is left in a list after what it was below has been taken out or destroyed.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <deque>
 #include <memory>
@@ -23,7 +24,7 @@
 
 namespace Vantor {
 
-class IdentityIndex;
+class DocIndex;
 class MediaPaths;
 class MediaPlaces;
 class TSeriesTransfer;
@@ -128,6 +129,16 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     // given one and those above that. A document that belongs to this directory already is itself entered.
     // What is below a document is not copied. `error` is 0.
     TDicomDoc* FindOrCreateDoc(TDicomDoc* doc, int32_t& error);
+
+    // Documents as hosts name them: the first one of the list that has these texts, which are as
+    // Platform::FromHostText gives them; null when there is none. Without regard to blanks around a patient's
+    // name and number and to carets at the end of the name.
+    TPatientDoc* FindPatient(std::string_view name, std::string_view number);
+    TStudyDoc* FindStudy(std::string_view uid);
+    TSeriesDoc* FindSeries(std::string_view uid);
+    TImageDoc* FindImage(std::string_view instanceUID);
+    TRawDataDoc* FindRawData(std::string_view instanceUID);
+    TSR_Doc* FindReport(std::string_view instanceUID);
 
     // Put the series of a study, or the images of a series, into ascending order of their numbers, in place;
     // equal ones stay as they are. A series without number stays where it is, and none passes it.
@@ -298,7 +309,13 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
 
     const MediaPlaces& GetPlaces();
     const MediaPaths& GetPaths();
-    IdentityIndex& GetIndex();
+    DocIndex& GetIndex();
+    DocIndex& GetHostIndex(int32_t docType);
+    template <typename T>
+    T* FindByHostKey(const std::string& key);
+    template <typename Action>
+    void ForIndexesOf(int32_t docType, Action action);
+    void ForgetIndexes();
     bool HasDoc(const TDicomDoc* doc);
     bool IsInTree(const TDicomDoc& doc);
     class OldContent;
@@ -355,8 +372,11 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
 
     std::string fPlacesOf;
     std::shared_ptr<const MediaPlaces> fPlaces;  // for fPlacesOf; null when they have to be made anew
-    std::unique_ptr<IdentityIndex> fIndex;  // of the documents in the lists; null until one is looked for
-    Platform::FileMark fReadMark;           // of the file that the documents are of
+    // Of the documents in the lists, by what makes them the same record, and of each list by what hosts call
+    // them. Null until one is looked for.
+    std::unique_ptr<DocIndex> fIndex;
+    std::array<std::unique_ptr<DocIndex>, TDicomDoc::kTypeCount> fHostIndexes;
+    Platform::FileMark fReadMark;  // of the file that the documents are of
     std::optional<std::unordered_map<std::string, bool>> fReportAnswers;  // by path, while loading
     int64_t fRecordShift = 0;  // how far the records have moved in the data set since it was read
     HeldDocs fOtherRootDocs;   // on the top level of the tree without being patients

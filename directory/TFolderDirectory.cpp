@@ -19,18 +19,6 @@ constexpr uint32_t kKeptWord = 0xFFFF;
 
 const Platform::PathStyle& Style() { return Platform::PathStyle::OfPlatform(); }
 
-std::string Join(std::string folder, std::string_view name) {
-    if (!Style().EndsFolder(folder)) folder += Style().GetSeparator();
-    return folder.append(name);
-}
-
-// Separators at the end would name nothing where a time is asked for; that of a root is part of its name.
-std::string WithoutSeparators(std::string path) {
-    const auto isRoot = [&path] { return path.size() <= 1 || Style().DriveEnd(path) == path.size() - 1; };
-    while (!isRoot() && Style().IsSeparator(path.back())) path.pop_back();
-    return path;
-}
-
 bool IsFile(const std::string& path) { return Platform::PathExists(path) && !Platform::IsFolder(path); }
 
 // The files of a folder without regard to what looks like a full path but leads elsewhere.
@@ -67,9 +55,9 @@ TFolderDirectory::TFolderDirectory(const std::string& path, const char* director
     SetDirName("");
     const std::string folder = mode == kSingleFile ? std::string(Style().FolderPart(path)) : path;
     SetFolderpath(folder);
-    const std::string directoryPath = Join(path, kDirectoryFileName);
+    const std::string directoryPath = Style().Join(path, kDirectoryFileName);
     fHasDICOMDIR = mode != kSingleFile && IsFile(directoryPath);
-    const std::string filePath = fHasDICOMDIR ? directoryPath : WithoutSeparators(path);
+    const std::string filePath = fHasDICOMDIR ? directoryPath : Style().WithoutLastSeparators(path);
     if (!TFileSpec::FitsPath(filePath)) return;
     *GetFileSpec() = TFileSpec(filePath);
     if (fHasDICOMDIR) {
@@ -131,7 +119,7 @@ std::shared_ptr<const MediaPlaces> TFolderDirectory::MakePlaces() {
 }
 
 void TFolderDirectory::CreateImageFolder(const std::string& name) {
-    const std::string folder = Join(GetFolderPath(), Style().NameToMake(name));
+    const std::string folder = Style().Join(GetFolderPath(), Style().NameToMake(name));
     Platform::MakeFolderIfMissing(folder);
     SetImageFolder(folder);
     SetImageFolderName(('\\' + name).c_str());
@@ -139,7 +127,7 @@ void TFolderDirectory::CreateImageFolder(const std::string& name) {
 
 void TFolderDirectory::CreateDICOMDIR() {
     const TFileSpec before = *GetFileSpec();
-    const std::string path = Join(GetFolderPath(), kDirectoryFileName);
+    const std::string path = Style().Join(GetFolderPath(), kDirectoryFileName);
     if (!TFileSpec::FitsPath(path)) {
         throw Platform::FileException(Platform::FileException::Cause::kBadPath, 0, path);
     }
@@ -155,7 +143,7 @@ void TFolderDirectory::CreateDICOMDIR() {
 }
 
 void TFolderDirectory::WriteDICOMDIR() {
-    if (fHasDICOMDIR) Succeeds([this] { TDicomDirectory::WriteDICOMDIR(); });
+    if (fHasDICOMDIR) fHasWritten = Succeeds([this] { TDicomDirectory::WriteDICOMDIR(); });
 }
 
 }  // namespace Vantor

@@ -43,8 +43,9 @@ class TFolderDirectory final : public TDicomDirectory {
     // Takes all documents out, and destroys those that nobody holds.
     void RemoveAllDocs() override;
 
-    // Only with a DICOMDIR; failures are not reported.
+    // Only with a DICOMDIR; failures are not thrown. False from HasWritten tells of one.
     void WriteDICOMDIR() override;
+    bool HasWritten() const { return fHasWritten; }
 
     // True when the documents come from a DICOMDIR in the folder, and are written into it.
     bool GetHasDICOMDIRflag() const { return fHasDICOMDIR; }
@@ -75,6 +76,7 @@ class TFolderDirectory final : public TDicomDirectory {
 
     int32_t fMode = kFolder;
     bool fHasDICOMDIR = false;
+    bool fHasWritten = true;  // the last time that there was something to write
 };
 
 }  // namespace Vantor

@@ -14,6 +14,10 @@ namespace Vantor::Platform {
 std::wstring ToHostText(std::string_view bytes);
 std::string FromHostText(std::wstring_view text);
 
+// The text that FromHostText gives of what ToHostText makes of these bytes: 8-bit texts that hosts take for
+// the same are the same then.
+std::string AsHostsSee(std::string_view bytes);
+
 // Where to cut an 8-bit text so that at most `limit` bytes remain: there, or, where text can be UTF-8, in
 // front of a character that would be cut in two and make all of it unreadable as UTF-8. The bytes behind the
 // limit tell, as far as they are given.

@@ -21,6 +21,17 @@ std::string_view PathStyle::FolderPart(std::string_view path) const {
     return path.substr(0, static_cast<size_t>(path.rend() - end));
 }
 
+std::string PathStyle::WithoutLastSeparators(std::string_view path) const {
+    const auto isRoot = [this, &path] { return path.size() <= 1 || DriveEnd(path) == path.size() - 1; };
+    while (!isRoot() && IsSeparator(path.back())) path.remove_suffix(1);
+    return std::string(path);
+}
+
+std::string PathStyle::Join(std::string folder, std::string_view name) const {
+    if (!EndsFolder(folder)) folder += GetSeparator();
+    return folder.append(name);
+}
+
 std::string PathStyle::FromFileID(std::string_view fileID) const {
     std::string path(fileID);
     std::replace(path.begin(), path.end(), kFileIDSeparator, GetSeparator());

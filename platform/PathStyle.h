@@ -37,6 +37,16 @@ class PathStyle {
     // The part up to and with the last separator; empty without one.
     std::string_view FolderPart(std::string_view path) const;
 
+    // The path without separators at its end, which would name nothing; that of a root is part of its name.
+    std::string WithoutLastSeparators(std::string_view path) const;
+
+    // The folder that holds what the path names, without separators at its end; and the name there.
+    std::string FolderOf(std::string_view path) const { return WithoutLastSeparators(FolderPart(path)); }
+    std::string_view LastPart(std::string_view path) const { return path.substr(FolderPart(path).size()); }
+
+    // The path of a name in a folder.
+    std::string Join(std::string folder, std::string_view name) const;
+
     // Every separator of a file ID, which is `\`, as this style's own, and back.
     std::string FromFileID(std::string_view fileID) const;
     std::string ToFileID(std::string_view path) const;

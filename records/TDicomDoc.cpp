@@ -8,6 +8,7 @@
 
 #include "dicom/TException.h"
 #include "dicom/TTextUtil.h"
+#include "platform/CodePage.h"
 #include "records/ReferencedFile.h"
 
 namespace Vantor {
@@ -70,6 +71,7 @@ void TDicomDoc::SetSOPClassUID(const char* text) {
 void TDicomDoc::SetSOPInstanceUID(const char* text) {
     Record();
     TIODSource::SetSOPInstanceUID(text);
+    NoteIdentity();
 }
 
 // ---- Place and belongings ----
@@ -283,6 +285,10 @@ std::optional<std::string> TDicomDoc::PeekText(Tag tag) const {
     // An odd length is made even when a data set is made of the record.
     if (length % 2 != 0 && length < kLongestText && vr != Vr::kUI) text[length] = ' ';
     return text;
+}
+
+std::string TDicomDoc::PeekHostText(Tag tag) const {
+    return Platform::AsHostsSee(PeekText(tag).value_or(""));
 }
 
 void TDicomDoc::SetRecordType(const char* recordType) {

@@ -36,6 +36,7 @@ class TDicomDoc : public TIODSource {
     static constexpr int32_t kRawData = 4;
     static constexpr int32_t kPrivate = 5;
     static constexpr int32_t kSR = 6;
+    static constexpr size_t kTypeCount = 7;
 
     static constexpr uint32_t kLongestText = 64;
     static constexpr uint32_t kFolderNameSize = 16;
@@ -83,6 +84,10 @@ class TDicomDoc : public TIODSource {
     // What a document has in common with all that are the same record, as a text to be looked up by; empty
     // for one that is the same as itself only. The record stays as it is stored.
     virtual std::string GetIdentity() const { return {}; }
+
+    // The text by which hosts look documents of this type up, as Platform::FromHostText gives it; empty for
+    // types that they do not. The record stays as it is stored.
+    virtual std::string GetHostKey() const { return {}; }
 
     // The file that the record names, owned by this document; null when it names none.
     void SetDicomFile(std::unique_ptr<TDicomFile> file);
@@ -194,6 +199,9 @@ class TDicomDoc : public TIODSource {
 
     // Up to kLongestText bytes of a text, as GetText gives them, from the record as it is stored.
     std::optional<std::string> PeekText(Tag tag) const;
+
+    // PeekText as hosts see it.
+    std::string PeekHostText(Tag tag) const;
 
     // Tells the directory that an element by which documents are looked up may have changed.
     void NoteIdentity();

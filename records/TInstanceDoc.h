@@ -23,6 +23,7 @@ class TInstanceDoc : public TParentDoc {
     // and documents of other types, count as the same. Hosts rely on it.
     bool IsSameRecord(TDicomDoc* other) override;
     std::string GetIdentity() const override;
+    std::string GetHostKey() const override { return PeekHostText(Tags::kReferencedSOPInstanceUIDInFile); }
 
     TListOf<TPrivateDoc>* GetPrivateDocs() { return &fPrivateDocs.GetDocs(); }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/Ascii.h"
 #include "records/TStudyDoc.h"
 
 namespace Vantor {
@@ -77,6 +78,16 @@ std::string TPatientDoc::GetIdentity() const {
     if (!patientID) return {};
     const auto name = PeekText(Tags::kPatientName);
     return kHasID + *patientID + (name ? kHasName + *name : std::string());
+}
+
+std::string TPatientDoc::GetHostKey() const {
+    return MakeHostKey(PeekHostText(Tags::kPatientName), PeekHostText(Tags::kPatientID));
+}
+
+std::string TPatientDoc::MakeHostKey(std::string_view name, std::string_view number) {
+    std::string_view key = Platform::Trimmed(name);
+    while (key.ends_with('^')) key.remove_suffix(1);
+    return kHasID + std::string(Platform::Trimmed(number)) + kHasName + std::string(key);
 }
 
 void TPatientDoc::CompleteRecord() {

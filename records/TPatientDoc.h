@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <string_view>
+
 #include "records/TParentDoc.h"
 #include "records/TPrivateDoc.h"
 
@@ -21,6 +24,11 @@ class TPatientDoc final : public TParentDoc {
     // has a name.
     bool IsSameRecord(TDicomDoc* other) override;
     std::string GetIdentity() const override;
+    std::string GetHostKey() const override;
+
+    // The host key of the patient of that name and number: blanks around them and carets at the end of the
+    // name make no difference.
+    static std::string MakeHostKey(std::string_view name, std::string_view number);
 
     // In an exam layout, a study's companion goes with it: to the directory, which keeps it until it is read
     // again.

@@ -1,5 +1,6 @@
 #include "records/TRawDataDoc.h"
 
+#include "platform/CodePage.h"
 #include "records/ReferencedFile.h"
 
 namespace Vantor {
@@ -27,6 +28,8 @@ TDicomDoc* TRawDataDoc::CopyToDirectory(TRecordDirectory* directory, TDicomDoc* 
 std::unique_ptr<TDicomDoc> TRawDataDoc::MakeCopy(const TDicomDataSet* record, TRecordDirectory* directory) {
     return std::make_unique<TRawDataDoc>(record, directory);
 }
+
+std::string TRawDataDoc::GetHostKey() const { return Platform::AsHostsSee(fSOPInstanceUID.Get().fText); }
 
 void TRawDataDoc::CompleteRecord() {
     TLeafDoc::CompleteRecord();

@@ -17,6 +17,7 @@ class TRawDataDoc final : public TLeafDoc {
     TDicomDoc* CopyToDirectory(TRecordDirectory* directory, TDicomDoc* parent, bool deep,
                                int32_t& error) override;
     void CompleteRecord() override;
+    std::string GetHostKey() const override;
 
   protected:
     void MakeFile(const TFilePlaces& places) override;

@@ -24,6 +24,7 @@ class TSeriesDoc final : public TParentDoc {
     // True for a series with the same Series Instance UID.
     bool IsSameRecord(TDicomDoc* other) override;
     std::string GetIdentity() const override;
+    std::string GetHostKey() const override { return PeekHostText(Tags::kSeriesInstanceUID); }
 
     // Also gives a series without number the number 1. Throws TException 102 "No Modality Element" or "No
     // Series Instance UID".

@@ -26,6 +26,7 @@ class TStudyDoc final : public TParentDoc {
     // True for a study with the same Study Instance UID.
     bool IsSameRecord(TDicomDoc* other) override;
     std::string GetIdentity() const override;
+    std::string GetHostKey() const override { return PeekHostText(Tags::kStudyInstanceUID); }
 
     // Also gives a study without Study ID one. Throws TException 102 "No Study Date" or "No Study Time".
     void CompleteRecord() override;

@@ -5,19 +5,21 @@
 #include <random>
 #include <set>
 
+#include "platform/CodePage.h"
 #include "tests/directory/DirectorySupport.h"
 
 namespace {
 
 using namespace Vantor;
 using namespace VantorTest;
+constexpr uint32_t kTextSize = 65;
 using Docs = std::vector<TDicomDoc*>;
 
 // Of odd length, padded, empty, and longer than hosts read.
 const std::string kTexts[] = {
     "", " ", "1", "1 ", "1.2", std::string("1.2\0", 4), std::string(64, '1'), std::string(70, '1')};
 
-class IdentityIndexTest : public testing::Test {
+class DocIndexTest : public testing::Test {
   protected:
     int Any(size_t count) { return static_cast<int>(fRandom() % count); }
     TDicomDoc* AnyOf(const Docs& docs) { return docs[fRandom() % docs.size()]; }
@@ -69,6 +71,18 @@ class IdentityIndexTest : public testing::Test {
         });
         return found == docs.end() ? nullptr : *found;
     }
+    // The first of the list with the text that hosts see, as they would find it by looking at each.
+    static TDicomDoc* WalkByUid(const Docs& docs, int32_t docType, const std::string& uid) {
+        const auto found = std::find_if(docs.begin(), docs.end(), [&](TDicomDoc* doc) {
+            char text[kTextSize] = {};
+            if (doc->GetDocType() != docType) return false;
+            if (auto* const series = dynamic_cast<TSeriesDoc*>(doc)) series->GetSeriesUID(text, kTextSize);
+            if (dynamic_cast<TImageDoc*>(doc) != nullptr) doc->GetSOPInstanceUID(text);
+            if (dynamic_cast<TRawDataDoc*>(doc) != nullptr) doc->GetSOPInstanceUID(text);
+            return uid == text;
+        });
+        return found == docs.end() ? nullptr : *found;
+    }
     void ChangeIdentity(TDicomDoc* doc) {
         const bool isFirst = Any(2) == 0;
         const char* const text = AnyText().c_str();
@@ -88,7 +102,7 @@ class IdentityIndexTest : public testing::Test {
     int32_t fError = 0;
 };
 
-TEST_F(IdentityIndexTest, FindsTheFirstThatIsTheSameRecord) {
+TEST_F(DocIndexTest, FindsTheFirstThatIsTheSameRecord) {
     for (int round = 0; round < 30; ++round) {
         const Bytes media[] = {Medium(kEncodings[round % 3]), Medium(kEncodings[round % 3])};
         const auto directory = Load(fFolder, media[0]), other = Load(fOtherFolder, media[1]);
@@ -115,6 +129,10 @@ TEST_F(IdentityIndexTest, FindsTheFirstThatIsTheSameRecord) {
                 TDicomDoc* const found = directory->FindDoc(each);
                 ASSERT_EQ(found, Walk(present, each)) << round << " " << step;
             }
+            const std::string uid = AnyText().c_str();
+            ASSERT_EQ(directory->FindSeries(uid), WalkByUid(present, TDicomDoc::kSeries, uid)) << uid;
+            ASSERT_EQ(directory->FindImage(uid), WalkByUid(present, TDicomDoc::kImage, uid)) << uid;
+            ASSERT_EQ(directory->FindRawData(uid), WalkByUid(present, TDicomDoc::kRawData, uid)) << uid;
         }
         for (TDicomDoc* doc : removed) doc->Release();
         // Patients that are in no list are the caller's.
@@ -122,6 +140,24 @@ TEST_F(IdentityIndexTest, FindsTheFirstThatIsTheSameRecord) {
                       [](TDicomDoc* doc) { return doc->GetParentObj() != nullptr || doc->IsInUse(); });
         for (TDicomDoc* doc : std::set<TDicomDoc*>(removed.begin(), removed.end())) delete doc;
     }
+}
+
+// Hosts give names as people type them, in wide text.
+TEST_F(DocIndexTest, FindsPatientsAsHostsNameThem) {
+    DirectoryBuilder media(Uids::kExplicitVRLittleEndian);
+    const char* const kNames[] = {"DOE^JOHN^^", "DOE^JOHN", "M\xFCller^J ", "doe^john"};
+    for (const char* name : kNames) {
+        const int patient = media.Add(DirectoryBuilder::kRoot, "PATIENT ");
+        media.Keys(patient).Text(Tags::kPatientName, Vr::kPN, name).Text(Tags::kPatientID, Vr::kLO, " 7 ");
+    }
+    const auto directory = Load(fFolder, media.Build());
+    const Docs docs = DocsOf(*directory);
+    EXPECT_EQ(directory->FindPatient(" DOE^JOHN^", "7"), docs[0]);
+    EXPECT_EQ(directory->FindPatient(Platform::AsHostsSee("M\xFCller^J"), "7 "), docs[2]);
+    EXPECT_EQ(directory->FindPatient("doe^john", "7"), docs[3]);
+    EXPECT_EQ(directory->FindPatient("doe^john", "8"), nullptr);
+    static_cast<TPatientDoc*>(docs[0])->SetPatientNumber("8");
+    EXPECT_EQ(directory->FindPatient("DOE^JOHN", "7"), docs[1]);
 }
 
 }  // namespace
