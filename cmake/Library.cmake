@@ -25,7 +25,7 @@ target_include_directories(vantor_objects PUBLIC "${PROJECT_SOURCE_DIR}")
 target_link_libraries(vantor_objects PRIVATE vantor_settings PUBLIC Threads::Threads)
 if(WIN32)
     target_compile_definitions(vantor_objects PRIVATE NOMINMAX WIN32_LEAN_AND_MEAN)
-    target_link_libraries(vantor_objects PUBLIC ole32 uuid)
+    target_link_libraries(vantor_objects PUBLIC advapi32 ole32 user32 uuid)
 endif()
 
 add_library(vantor SHARED)

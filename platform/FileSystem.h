@@ -22,6 +22,10 @@ bool PathExists(const std::string& path);
 // True when the path names an existing folder.
 bool IsFolder(const std::string& path);
 
+// True when the path names something that is marked as not to be written: by its attribute, or, where there
+// is none, by rights or a medium that do not let this user.
+bool IsReadOnly(const std::string& path);
+
 // True when the path names a link, to anything or nothing, itself.
 bool IsLink(const std::string& path);
 

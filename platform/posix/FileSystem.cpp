@@ -69,6 +69,12 @@ bool IsFolder(const std::string& path) {
     return GetState(path, state) && S_ISDIR(state.st_mode);
 }
 
+bool IsReadOnly(const std::string& path) {
+    const auto ask = [](const char* spelled) { return faccessat(AT_FDCWD, spelled, W_OK, AT_EACCESS); };
+    return PathExists(path) && WithPathOnDisk(path, ask) != 0 &&
+           (errno == EACCES || errno == EROFS || errno == EPERM);
+}
+
 bool IsLink(const std::string& path) {
     struct stat state = {};
     const auto look = [&](const char* spelled) { return lstat(spelled, &state); };

@@ -51,6 +51,11 @@ bool IsFolder(const std::string& path) {
     return attributes && (attributes->dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
+bool IsReadOnly(const std::string& path) {
+    const auto attributes = GetAttributes(path);
+    return attributes && (attributes->dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
+}
+
 bool IsLink(const std::string& path) {
     WIN32_FIND_DATAA found = {};
     const HANDLE search = FindFirstFileA(path.c_str(), &found);

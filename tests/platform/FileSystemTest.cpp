@@ -81,6 +81,16 @@ TEST(FileSystem, MakesFoldersInExistingOnesOnly) {
     EXPECT_EQ(GetFreeBytes(folder.PathOf("MISSING/SUB")), 0U);
 }
 
+// Rights do not bind the administrator, unlike the attribute of Windows.
+TEST(FileSystem, TellsWhatIsReadOnly) {
+    const TestFolder folder;
+    const std::string file = folder.WriteFile("FILE", "x");
+    EXPECT_FALSE(IsReadOnly(file) || IsReadOnly(folder.GetPath()) || IsReadOnly(folder.PathOf("MISSING")));
+    fs::permissions(file, fs::perms::owner_write, fs::perm_options::remove);
+    const bool mayWrite = FailureOf([&] { OpenDiskFile(file, FileAccess::kReadWrite); }) == "nothing";
+    EXPECT_EQ(IsReadOnly(folder.PathOf("file")), kIsWindows || !mayWrite);
+}
+
 TEST(FileSystem, TellsFilesFoldersAndNothing) {
     const TestFolder folder;
     const std::string file = folder.WriteFile("FILE", "x");
