@@ -7,4 +7,7 @@ namespace VantorWrappers {
 // Text as the host application has it.
 using HostString = std::wstring;
 
+// The text without the blanks, tabs and line ends around it.
+HostString Trimmed(const HostString& text);
+
 }  // namespace VantorWrappers

@@ -1,0 +1,23 @@
+#pragma once
+
+namespace Vantor {
+class TDicomDirectory;
+class TDicomDoc;
+}  // namespace Vantor
+
+namespace VantorWrappers {
+
+// Steps that changes of a directory have in common.
+
+// Writes the DICOMDIR and notes its time. Throws as TDicomDirectory::WriteDICOMDIR, and also TException 102
+// when that of a folder could not be written.
+void WriteDICOMDIR(Vantor::TDicomDirectory& directory);
+
+// True for a folder that has no DICOMDIR: nothing has to be opened or written to change it.
+bool IsPlainFolder(const Vantor::TDicomDirectory& directory);
+
+// Takes out a study or patient that nothing is below any more, and then what is above it, up to the first one
+// that has something left. `deletesFolders`: the folder of a study goes from disk as well.
+void RemoveEmptyDocs(Vantor::TDicomDirectory& directory, Vantor::TDicomDoc* lowest, bool deletesFolders);
+
+}  // namespace VantorWrappers

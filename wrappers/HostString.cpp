@@ -1,0 +1,12 @@
+#include "wrappers/HostString.h"
+
+namespace VantorWrappers {
+
+HostString Trimmed(const HostString& text) {
+    constexpr wchar_t kBlanks[] = L" \t\r\n\v\f";
+    const size_t first = text.find_first_not_of(kBlanks);
+    if (first == HostString::npos) return {};
+    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+}  // namespace VantorWrappers

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "platform/CodePage.h"
+#include "wrappers/Boundary.h"
+#include "wrappers/HostString.h"
+
+namespace VantorWrappers {
+
+// Written when a record object is made of nothing.
+inline constexpr char kNoNativeObject[] = "No pointer to unmanaged object, initialization can't be completed";
+
+// Puts a new text into a record.
+//
+//     if (ChangeRecord(FindDoc(), "Not found, name not set.", name, &TPatientDoc::SetPatientName)) ...
+//
+// Gives the text as it was put there, trimmed; none when there is no document, and then `warning` is written
+// to the trace, or when the record has no room for it.
+template <typename Doc, typename Setter>
+std::optional<HostString> ChangeRecord(Doc* doc, const char* warning, const HostString& text, Setter setter) {
+    if (doc == nullptr) {
+        TraceWarning(warning);
+        return std::nullopt;
+    }
+    HostString trimmed = Trimmed(text);
+    const auto failure = FailureOf([&] { (doc->*setter)(Vantor::Platform::FromHostText(trimmed).c_str()); });
+    if (!failure) return trimmed;
+    TraceError(*failure);
+    return std::nullopt;
+}
+
+}  // namespace VantorWrappers
