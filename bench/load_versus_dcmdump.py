@@ -1,12 +1,12 @@
 #!/usr/bin/python3
-"""Times loading a DICOMDIR against dcmdump over the same file, as whole processes, and measures its memory.
+"""Times loading and showing a DICOMDIR against dcmdump over it, as whole processes, and measures the memory.
 
 usage: bench/load_versus_dcmdump.py
 
 Each patient has one study of ten series of 110 images. dcmdump, of dcmtk, prints every element to nowhere; or it
 looks for one that is not there, which leaves little but the reading. The best of several runs counts. The memory
-is the process's peak beyond that for an empty DICOMDIR; Debian's package time tells it. DIRECTORY_TREE names the
-program, build/release/bin/directory_tree unless set.
+is the process's peak beyond that for an empty DICOMDIR; Debian's package time tells it. PROGRAMS names the folder
+of directory_tree and vantor, build/release/bin unless set.
 """
 
 import os
@@ -88,11 +88,12 @@ def peak_of(command):
 
 
 def main():
-    program = os.environ.get("DIRECTORY_TREE", str(ROOT / "build" / "release" / "bin" / "directory_tree"))
+    programs = Path(os.environ.get("PROGRAMS", ROOT / "build" / "release" / "bin"))
     with tempfile.TemporaryDirectory() as folder:
         path = Path(folder) / "DICOMDIR"
-        commands = {"load": [program, "--quiet", path], "dcmdump": ["dcmdump", path],
-                    "search": ["dcmdump", "--search", ABSENT, path]}
+        commands = {"load": [programs / "directory_tree", "--quiet", path], "dcmdump": ["dcmdump", path],
+                    "search": ["dcmdump", "--search", ABSENT, path], "tree": [programs / "vantor", "tree", path],
+                    "json": [programs / "vantor", "tree", "--json", path]}
         for patients in PATIENTS:
             content = directory([patient(number) for number in range(patients)])
             path.write_bytes(content)
@@ -106,7 +107,7 @@ def main():
                   f"{(peak - empty) // records} each")
             for name, seconds in best.items():
                 print(f"  {name:8} {seconds * 1000:8.1f} ms  {seconds / records * 1e6:6.2f} ms a thousand  "
-                      f"{seconds / best['load']:5.1f} times")
+                      f"dcmdump takes {best['dcmdump'] / seconds:5.1f} times as long")
 
 
 if __name__ == "__main__":

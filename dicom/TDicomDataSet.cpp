@@ -260,6 +260,7 @@ bool TDicomDataSet::FindElements(std::span<Wanted> wanted) const {
         if (next != wanted.end() && next->fTag == header.fTag) {
             next->fIsFound = true;
             next->fLength = header.fRawLength;
+            next->fVr = VrOf(header);
             ReadValue(offset, header, header.fRawLength, next->fValue, next->fCapacity);
         }
         last = header.fTag;

@@ -89,6 +89,7 @@ class TDicomDataSet {
         uint32_t fCapacity = 0;
         uint32_t fLength = 0;
         bool fIsFound = false;
+        VrCode fVr = 0;
     };
 
     // Finds several elements, wanted in ascending order of their tags, in one walk through the whole data

@@ -264,7 +264,10 @@ TDicomDoc* TDicomDirectory::EnterFile(const std::string& path, SeriesNumbers num
     // It may be there already, with another file.
     const bool isThisFile =
         entered != nullptr && TTextUtil().EqualStrings(entered->GetFileSpec()->fPath, named.fPath);
-    if (isThisFile && file->GetFile().GetTransferSyntaxUID(transferSyntax.fText)) {
+    if (!isThisFile) return instance->GetParentObj();
+    // As it is spelled on disk, for hosts that hand the path to others.
+    std::copy(std::begin(fileSpec.fPath), std::end(fileSpec.fPath), entered->GetFileSpec()->fPath);
+    if (file->GetFile().GetTransferSyntaxUID(transferSyntax.fText)) {
         entered->SetTransferSyntaxUID(transferSyntax.fText);
     }
     return instance->GetParentObj();

@@ -12,6 +12,13 @@ constexpr char UpperCase(char character) {
     return character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A') : character;
 }
 
+constexpr bool IsAscii(std::string_view text) {
+    for (const char character : text) {
+        if (static_cast<signed char>(character) < 0) return false;
+    }
+    return true;
+}
+
 // The text without the blanks, tabs and line ends around it.
 constexpr std::string_view Trimmed(std::string_view text) {
     constexpr std::string_view kBlanks = " \t\r\n\v\f";

@@ -8,6 +8,7 @@
 
 #include "dicom/TException.h"
 #include "dicom/TTextUtil.h"
+#include "platform/Ascii.h"
 #include "platform/CodePage.h"
 #include "records/ReferencedFile.h"
 
@@ -85,6 +86,16 @@ void TDicomDoc::SetDicomFile(std::unique_ptr<TDicomFile> file) {
 TDicomFile* TDicomDoc::GetDicomFile() {
     Record();
     return fDicomFile.get();
+}
+
+std::string TDicomDoc::GetFilePath() {
+    if (IsAsStored()) return FindStoredFile(PeekText(Tags::kReferencedFileID, TFileSpec::kPathSize));
+    const TDicomFile* const file = GetDicomFile();
+    return file == nullptr ? std::string() : file->GetFileSpec()->fPath;
+}
+
+std::string TDicomDoc::FindStoredFile(const std::optional<std::string>& fileID) const {
+    return fileID ? fPlaces->Find(*fileID).fPath : std::string();
 }
 
 void TDicomDoc::SetParentObj(TDicomDoc* parent) {
@@ -277,14 +288,27 @@ void TDicomDoc::NoteIdentity() {
         directory->NoteIdentity(this);
 }
 
-std::optional<std::string> TDicomDoc::PeekText(Tag tag) const {
-    char text[kLongestText + 1] = {};
+std::optional<std::string> TDicomDoc::PeekText(Tag tag, uint32_t limit) const {
+    char value[TFileSpec::kPathSize];
     uint32_t length = 0;
     VrCode vr = 0;
-    if (!ViewRecord().FindElement(tag, &vr, &length, text, kLongestText)) return std::nullopt;
-    // An odd length is made even when a data set is made of the record.
-    if (length % 2 != 0 && length < kLongestText && vr != Vr::kUI) text[length] = ' ';
-    return text;
+    limit = std::min<uint32_t>(limit, sizeof(value));
+    if (!ViewRecord().FindElement(tag, &vr, &length, value, limit)) return std::nullopt;
+    return MakeText({value, std::min(length, limit)}, vr, length < limit);
+}
+
+std::string TDicomDoc::MakeText(std::string_view value, VrCode vr, bool isWhole) {
+    std::string text(value);
+    if (text.size() % 2 != 0 && isWhole && vr != Vr::kUI) text += ' ';
+    text.resize(std::min(text.find('\0'), text.size()));
+    return vr == Vr::kCS ? Platform::UpperCased(text) : text;
+}
+
+std::optional<std::string> TDicomDoc::TextOf(const TDicomDataSet::Wanted& element) {
+    if (!element.fIsFound) return std::nullopt;
+    const uint32_t length = std::min(element.fLength, element.fCapacity);
+    return MakeText({static_cast<const char*>(element.fValue), length}, element.fVr,
+                    element.fLength < element.fCapacity);
 }
 
 std::string TDicomDoc::PeekHostText(Tag tag) const {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "dicom/TDicomFile.h"
@@ -92,6 +93,9 @@ class TDicomDoc : public TIODSource {
     // The file that the record names, owned by this document; null when it names none.
     void SetDicomFile(std::unique_ptr<TDicomFile> file);
     TDicomFile* GetDicomFile();
+
+    // The full path of that file; empty when there is none. Makes no object of it.
+    std::string GetFilePath();
 
     // The document above, or null. Setting one counts it and gives back none: that is the caller's business.
     TDicomDoc* GetParentObj() const { return fParent; }
@@ -197,8 +201,20 @@ class TDicomDoc : public TIODSource {
     // Throws TException 102 with this text when the element is absent.
     void RequireElement(Tag tag, const char* complaint) const;
 
-    // Up to kLongestText bytes of a text, as GetText gives them, from the record as it is stored.
-    std::optional<std::string> PeekText(Tag tag) const;
+    // Up to `limit` bytes of a text, as GetText gives them, from the record as it is stored.
+    std::optional<std::string> PeekText(Tag tag, uint32_t limit = kLongestText) const;
+
+    // The text of a stored value as it is once a data set is made of the record: odd lengths are made even,
+    // unless the buffer was too small for the value, and code strings are in upper case.
+    static std::string MakeText(std::string_view value, VrCode vr, bool isWhole);
+
+    // The text of an element that was looked for in the stored record; none when it was not found.
+    static std::optional<std::string> TextOf(const TDicomDataSet::Wanted& element);
+
+    // While nobody has asked for the record's data set or file: true, and the path of the file that is named
+    // by this file ID.
+    bool IsAsStored() const { return !fStored.IsEmpty() && fPlaces != nullptr; }
+    std::string FindStoredFile(const std::optional<std::string>& fileID) const;
 
     // PeekText as hosts see it.
     std::string PeekHostText(Tag tag) const;

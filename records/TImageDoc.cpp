@@ -1,5 +1,6 @@
 #include "records/TImageDoc.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -47,10 +48,35 @@ void TImageDoc::CompleteRecord() {
 }
 
 int32_t TImageDoc::GetImageNumber() {
-    const TDicomDataSet* dataSet = GetDataSet();
     char text[kLongestImageNumberRead + 1] = {};
-    if (dataSet == nullptr || !dataSet->GetText(Tags::kInstanceNumber, text, sizeof(text))) return 0;
+    if (!ViewRecord().GetText(Tags::kInstanceNumber, text, sizeof(text))) return 0;
     return TTextUtil().ReadInteger(text).value_or(0);
+}
+
+TImageOutline TImageDoc::GetOutline() {
+    char fileID[TFileSpec::kPathSize];
+    char sopClassUID[kMaximumUidLength];
+    char sopInstanceUID[kMaximumUidLength];
+    char number[kLongestImageNumberRead + 1] = {};
+    TDicomDataSet::Wanted wanted[] = {
+        {Tags::kReferencedFileID, fileID, sizeof(fileID)},
+        {Tags::kReferencedSOPClassUIDInFile, sopClassUID, sizeof(sopClassUID)},
+        {Tags::kReferencedSOPInstanceUIDInFile, sopInstanceUID, sizeof(sopInstanceUID)},
+        {Tags::kInstanceNumber, number, kLongestImageNumberRead}};
+    TImageOutline outline;
+    if (!IsAsStored() || !ViewRecord().FindElements(wanted)) {
+        GetSOPClassUID(outline.fSOPClassUID.fText);
+        GetSOPInstanceUID(outline.fSOPInstanceUID.fText);
+        outline.fImageNumber = GetImageNumber();
+        outline.fFilePath = GetFilePath();
+        return outline;
+    }
+    const auto& [file, classUID, instanceUID, imageNumber] = wanted;
+    outline.fSOPClassUID.Set(TextOf(classUID).value_or("").c_str());
+    outline.fSOPInstanceUID.Set(TextOf(instanceUID).value_or("").c_str());
+    outline.fImageNumber = imageNumber.fIsFound ? TTextUtil().ReadInteger(number).value_or(0) : 0;
+    outline.fFilePath = FindStoredFile(TextOf(file));
+    return outline;
 }
 
 void TImageDoc::SetImageNumber(int32_t number) {

@@ -1,8 +1,18 @@
 #pragma once
 
+#include <string>
+
 #include "records/TInstanceDoc.h"
 
 namespace Vantor {
+
+// What a list shows of an image: its UIDs, "" when absent, its number and the full path of its file.
+struct TImageOutline {
+    TUidText fSOPClassUID;
+    TUidText fSOPInstanceUID;
+    int32_t fImageNumber = 0;
+    std::string fFilePath;
+};
 
 // An IMAGE record.
 class TImageDoc final : public TInstanceDoc {
@@ -20,6 +30,9 @@ class TImageDoc final : public TInstanceDoc {
     // Instance Number; 0 when it is absent or no number.
     int32_t GetImageNumber();
     void SetImageNumber(int32_t number);
+
+    // The same as the getters give, in one walk through the record.
+    TImageOutline GetOutline();
 
     uint32_t GetImageSetting() const { return fImageSetting; }
 

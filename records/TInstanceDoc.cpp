@@ -1,5 +1,7 @@
 #include "records/TInstanceDoc.h"
 
+#include <algorithm>
+
 #include "dicom/TTextUtil.h"
 #include "records/ReferencedFile.h"
 
@@ -11,12 +13,20 @@ constexpr char kAndClass = '\n';  // between the UIDs of an identity
 
 }  // namespace
 
+// An absent UID leaves the buffer alone: who collects UIDs in a loop relies on it.
+bool TInstanceDoc::PeekUid(Tag tag, char* buffer) const {
+    const auto uid = PeekText(tag, kMaximumUidLength);
+    if (!uid) return false;
+    std::fill_n(std::copy(uid->begin(), uid->end(), buffer), kMaximumUidLength + 1 - uid->size(), '\0');
+    return true;
+}
+
 bool TInstanceDoc::GetSOPClassUID(char* buffer) {
-    return ReferencedFile::GetUid(Record(), Tags::kReferencedSOPClassUIDInFile, buffer);
+    return PeekUid(Tags::kReferencedSOPClassUIDInFile, buffer);
 }
 
 bool TInstanceDoc::GetSOPInstanceUID(char* buffer) {
-    return ReferencedFile::GetUid(Record(), Tags::kReferencedSOPInstanceUIDInFile, buffer);
+    return PeekUid(Tags::kReferencedSOPInstanceUIDInFile, buffer);
 }
 
 void TInstanceDoc::SetSOPClassUID(const char* text) {

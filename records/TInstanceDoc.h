@@ -36,6 +36,8 @@ class TInstanceDoc : public TParentDoc {
     virtual const char* GetFallbackFileID() const = 0;
 
   private:
+    bool PeekUid(Tag tag, char* buffer) const;
+
     TDocList<TPrivateDoc> fPrivateDocs;
 };
 

@@ -110,9 +110,7 @@ TPatientDoc* TSeriesDoc::GetPatient() const {
 
 bool TSeriesDoc::CheckSequoiaLoRes() {
     if (GetImageDocs()->GetCount() <= 1) return false;
-    const TDicomFile* const file = GetFirstImage()->GetDicomFile();
-    if (file == nullptr) return false;
-    const std::string path = Platform::UpperCased(file->GetFileSpec()->fPath);
+    const std::string path = Platform::UpperCased(GetFirstImage()->GetFilePath());
     return path.find(kLowResolutionFolder) != std::string::npos;
 }
 

@@ -8,16 +8,26 @@
 namespace VantorWrappers {
 
 using Vantor::TImageDoc;
+using Vantor::TImageOutline;
 
 ImageDirRec::ImageDirRec(TImageDoc* image, DicomDirectory& directory) : InstanceDirRec(directory) {
     UpdateFields(image);
 }
 
+ImageDirRec::ImageDirRec(TImageDoc& image, DicomDirectory& directory, const Ancestors& ancestors)
+    : InstanceDirRec(directory) {
+    TakeFields(image.GetOutline(), ancestors);
+}
+
 void ImageDirRec::UpdateFields(TImageDoc* image) {
     if (image == nullptr) return TraceWarning(kNoNativeObject);
-    TakeFields(*image);
-    fImageNumber = image->GetImageNumber();
-    fImagePath = ReadFilePath(*image);
+    TakeFields(image->GetOutline(), AncestorsOf(*image));
+}
+
+void ImageDirRec::TakeFields(const TImageOutline& image, const Ancestors& ancestors) {
+    TakeTexts(ReadBytes(image.fSOPInstanceUID.fText), ReadBytes(image.fSOPClassUID.fText), ancestors);
+    fImageNumber = image.fImageNumber;
+    fImagePath = ReadBytes(image.fFilePath);
 }
 
 TImageDoc* ImageDirRec::FindDoc() const {

@@ -4,7 +4,8 @@
 
 namespace Vantor {
 class TImageDoc;
-}
+struct TImageOutline;
+}  // namespace Vantor
 
 namespace VantorWrappers {
 
@@ -15,6 +16,9 @@ class ImageDirRec : public InstanceDirRec {
 
     // `image` may be null: nothing is known then, and a trace warning is written.
     ImageDirRec(Vantor::TImageDoc* image, DicomDirectory& directory);
+
+    // For lists: an image of a series whose ancestors are known.
+    ImageDirRec(Vantor::TImageDoc& image, DicomDirectory& directory, const Ancestors& ancestors);
 
     // 0 without one.
     int32_t GetImageNumber() const { return fImageNumber; }
@@ -34,6 +38,7 @@ class ImageDirRec : public InstanceDirRec {
 
   private:
     Vantor::TImageDoc* FindDoc() const;
+    void TakeFields(const Vantor::TImageOutline& image, const Ancestors& ancestors);
 
     int32_t fImageNumber = 0;
     HostString fImagePath;

@@ -1,5 +1,7 @@
 #include "wrappers/InstanceDirRec.h"
 
+#include <utility>
+
 #include "records/TPatientDoc.h"
 #include "records/TSeriesDoc.h"
 #include "records/TStudyDoc.h"
@@ -12,19 +14,33 @@ using Vantor::TPatientDoc;
 using Vantor::TSeriesDoc;
 using Vantor::TStudyDoc;
 
+InstanceDirRec::Ancestors::Ancestors(const TSeriesDoc* series) {
+    if (series == nullptr) return;
+    fSeriesUID = ReadText(*series, &TSeriesDoc::GetSeriesUID, kTextSize);
+    const TStudyDoc* const study = series->GetStudy();
+    fHasStudy = study != nullptr;
+    const auto* const patient = fHasStudy ? dynamic_cast<const TPatientDoc*>(study->GetParentObj()) : nullptr;
+    if (patient == nullptr) return;
+    fPatientName = ReadUntrimmed(*patient, &TPatientDoc::GetPatientName, kNameSize);
+    fPatientID = ReadUntrimmed(*patient, &TPatientDoc::GetPatientNumber, kNameSize);
+}
+
+InstanceDirRec::Ancestors InstanceDirRec::AncestorsOf(const TDicomDoc& doc) {
+    return Ancestors(dynamic_cast<const TSeriesDoc*>(doc.GetParentObj()));
+}
+
 void InstanceDirRec::TakeFields(TDicomDoc& doc) {
-    fInstanceUID = ReadUid(doc, &TDicomDoc::GetSOPInstanceUID);
-    fClassUID = ReadUid(doc, &TDicomDoc::GetSOPClassUID);
-    const auto* const series = dynamic_cast<const TSeriesDoc*>(doc.GetParentObj());
-    const TStudyDoc* const study = series == nullptr ? nullptr : series->GetStudy();
-    const auto* const patient =
-        study == nullptr ? nullptr : dynamic_cast<const TPatientDoc*>(study->GetParentObj());
-    fSeriesUID = series == nullptr ? HostString() : ReadText(*series, &TSeriesDoc::GetSeriesUID, kTextSize);
-    fStudyUID = study == nullptr ? HostString() : fClassUID;
-    fPatientName =
-        patient == nullptr ? HostString() : ReadUntrimmed(*patient, &TPatientDoc::GetPatientName, kNameSize);
-    fPatientID = patient == nullptr ? HostString()
-                                    : ReadUntrimmed(*patient, &TPatientDoc::GetPatientNumber, kNameSize);
+    TakeTexts(ReadUid(doc, &TDicomDoc::GetSOPInstanceUID), ReadUid(doc, &TDicomDoc::GetSOPClassUID),
+              AncestorsOf(doc));
+}
+
+void InstanceDirRec::TakeTexts(HostString instanceUID, HostString classUID, const Ancestors& ancestors) {
+    fInstanceUID = std::move(instanceUID);
+    fClassUID = std::move(classUID);
+    fSeriesUID = ancestors.fSeriesUID;
+    fStudyUID = ancestors.fHasStudy ? fClassUID : HostString();
+    fPatientName = ancestors.fPatientName;
+    fPatientID = ancestors.fPatientID;
 }
 
 bool InstanceDirRec::IsSamePatient(const InstanceDirRec& other) const {

@@ -6,13 +6,25 @@
 
 namespace Vantor {
 class TDicomDoc;
-}
+class TSeriesDoc;
+}  // namespace Vantor
 
 namespace VantorWrappers {
 
 // What images, raw data and private objects of a directory have in common.
 class InstanceDirRec : public DirRec {
   public:
+    // What the instances of a series have in common: texts of those above them, "" for who is missing.
+    struct Ancestors {
+        // Of a series, which may be null.
+        explicit Ancestors(const Vantor::TSeriesDoc* series);
+
+        HostString fSeriesUID;
+        bool fHasStudy = false;
+        HostString fPatientName;
+        HostString fPatientID;
+    };
+
     const HostString& GetInstanceUID() const { return fInstanceUID; }
     const HostString& GetClassUID() const { return fClassUID; }
     const HostString& GetSeriesUID() const { return fSeriesUID; }
@@ -38,6 +50,8 @@ class InstanceDirRec : public DirRec {
 
     // Takes what is known of a document and those above it.
     void TakeFields(Vantor::TDicomDoc& doc);
+    void TakeTexts(HostString instanceUID, HostString classUID, const Ancestors& ancestors);
+    static Ancestors AncestorsOf(const Vantor::TDicomDoc& doc);
 
     HostString fInstanceUID;
     HostString fClassUID;

@@ -8,10 +8,7 @@
 
 namespace VantorWrappers {
 
-HostString ReadFilePath(Vantor::TDicomDoc& doc) {
-    const Vantor::TDicomFile* const file = doc.GetDicomFile();
-    return file == nullptr ? HostString() : Trimmed(Vantor::Platform::ToHostText(file->GetFileSpec()->fPath));
-}
+HostString ReadFilePath(Vantor::TDicomDoc& doc) { return ReadBytes(doc.GetFilePath()); }
 
 HostString ReadStoredDate(const Vantor::TStudyDoc& study) {
     constexpr uint32_t kDateSize = 27;

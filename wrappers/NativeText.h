@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
+#include "platform/Ascii.h"
 #include "platform/CodePage.h"
 #include "records/TStudyDoc.h"
 #include "wrappers/HostString.h"
@@ -15,6 +17,11 @@ namespace VantorWrappers {
 inline constexpr uint32_t kNameSize = 65;
 inline constexpr uint32_t kTextSize = 257;
 
+// A native text, without the blanks around it.
+inline HostString ReadBytes(std::string_view bytes) {
+    return Vantor::Platform::ToHostText(Vantor::Platform::Trimmed(bytes));
+}
+
 // What a getter of a native object puts into a buffer of `size` characters, at most kTextSize; "" when it has
 // nothing.
 template <typename Native, typename Getter>
@@ -25,14 +32,17 @@ HostString ReadUntrimmed(Native& native, Getter getter, uint32_t size) {
 
 template <typename Native, typename Getter>
 HostString ReadText(Native& native, Getter getter, uint32_t size) {
-    return Trimmed(ReadUntrimmed(native, getter, size));
+    char buffer[kTextSize] = {};
+    if (!(native.*getter)(buffer, size)) return {};
+    return ReadBytes(buffer);
 }
 
 // A UID that a getter without a size gives.
 template <typename Native, typename Getter>
 HostString ReadUid(Native& native, Getter getter) {
     char buffer[kTextSize] = {};
-    return (native.*getter)(buffer) ? Trimmed(Vantor::Platform::ToHostText(buffer)) : HostString();
+    if (!(native.*getter)(buffer)) return {};
+    return ReadBytes(buffer);
 }
 
 // The full path of a document's file; "" without one.

@@ -8,15 +8,20 @@
 
 namespace VantorWrappers {
 
-// Empties a host's list and fills it with a record object for each native document.
-template <typename Rec, typename Doc>
-void FillList(std::vector<Rec>& list, const Vantor::TListOf<Doc>& docs, DicomDirectory& directory) {
+// Empties a host's list and has `append` put a record object into it for each native document.
+template <typename Rec, typename Doc, typename Append>
+void FillListWith(std::vector<Rec>& list, const Vantor::TListOf<Doc>& docs, Append append) {
     list.clear();
     const auto failure = FailureOf([&] {
         list.reserve(static_cast<size_t>(docs.GetCount()));
-        for (Doc* doc : docs) list.emplace_back(doc, directory);
+        for (Doc* doc : docs) append(doc);
     });
     if (failure) TraceError(*failure);
+}
+
+template <typename Rec, typename Doc>
+void FillList(std::vector<Rec>& list, const Vantor::TListOf<Doc>& docs, DicomDirectory& directory) {
+    FillListWith(list, docs, [&](Doc* doc) { list.emplace_back(doc, directory); });
 }
 
 }  // namespace VantorWrappers

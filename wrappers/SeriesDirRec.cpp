@@ -65,9 +65,13 @@ TSeriesDoc* SeriesDirRec::FindDoc() const {
 
 void SeriesDirRec::GetImages(std::vector<ImageDirRec>& list) const {
     list.clear();
-    if (TSeriesDoc* const series = FindDoc(); series != nullptr) {
-        FillList(list, *series->GetImageDocs(), *GetDicomDirectory());
-    }
+    TSeriesDoc* const series = FindDoc();
+    if (series == nullptr) return;
+    // Of a large loop collection most of the time would go into looking up the same patient.
+    const InstanceDirRec::Ancestors ancestors(series);
+    FillListWith(list, *series->GetImageDocs(), [&](Vantor::TImageDoc* image) {
+        list.emplace_back(*image, *GetDicomDirectory(), ancestors);
+    });
 }
 
 void SeriesDirRec::GetSRs(std::vector<StructReportDirRec>& list) const {

@@ -5,6 +5,8 @@
 #include <optional>
 #include <utility>
 
+#include "platform/Ascii.h"
+
 namespace Vantor::Platform {
 
 namespace {
@@ -160,7 +162,11 @@ char32_t ReadHostText(std::wstring_view text, size_t& position) {
 
 }  // namespace
 
+// Most texts are ASCII.
 std::wstring ToHostText(std::string_view bytes) {
+    if (IsAscii(bytes)) {
+        return {bytes.begin(), bytes.end()};
+    }
     std::optional<std::wstring> text = FromUtf8(bytes);
     return text ? std::move(*text) : FromWindows1252(bytes);
 }

@@ -42,7 +42,9 @@ class DocIndexTest : public testing::Test {
             const int series = add(study, "SERIES", {Tags::kSeriesInstanceUID});
             for (const char* const type : {"IMAGE ", "SR DOCUMENT ", "RAW DATA", "IMAGE "}) {
                 const Tag classUID = Tags::kReferencedSOPClassUIDInFile;
-                add(series, type, {classUID, Tags::kReferencedSOPInstanceUIDInFile});
+                add(series, type,
+                    {Tags::kReferencedFileID, classUID, Tags::kReferencedSOPInstanceUIDInFile,
+                     Tags::kInstanceNumber});
             }
         }
         return media.Build();
@@ -82,6 +84,9 @@ class DocIndexTest : public testing::Test {
             return uid == text;
         });
         return found == docs.end() ? nullptr : *found;
+    }
+    static std::string Relative(const std::string& path, const TestFolder& folder) {
+        return path.starts_with(folder.GetPath()) ? path.substr(folder.GetPath().size()) : path;
     }
     void ChangeIdentity(TDicomDoc* doc) {
         const bool isFirst = Any(2) == 0;
@@ -139,6 +144,30 @@ TEST_F(DocIndexTest, FindsTheFirstThatIsTheSameRecord) {
         std::erase_if(removed,
                       [](TDicomDoc* doc) { return doc->GetParentObj() != nullptr || doc->IsInUse(); });
         for (TDicomDoc* doc : std::set<TDicomDoc*>(removed.begin(), removed.end())) delete doc;
+    }
+}
+
+// Lists of images take a short cut as long as nobody has asked for the record itself.
+TEST_F(DocIndexTest, OutlinesOfImagesAreWhatTheirGettersGive) {
+    for (const Encoding& encoding : kEncodings) {
+        const Bytes media = Medium(encoding);
+        const auto asleep = Load(fFolder, media), awake = Load(fOtherFolder, media);
+        for (int32_t place = 1; place <= awake->GetImageDocs()->GetCount(); ++place) {
+            TImageDoc *image = nullptr, *same = nullptr;
+            awake->GetImageDocs()->FetchItemAt(place, image);
+            asleep->GetImageDocs()->FetchItemAt(place, same);
+            ASSERT_NE(image->GetDataSet(), nullptr);
+            TUidText uids[2];
+            image->GetSOPClassUID(uids[0].fText);
+            image->GetSOPInstanceUID(uids[1].fText);
+            const TImageOutline outline = same->GetOutline();
+            EXPECT_STREQ(outline.fSOPClassUID.fText, uids[0].fText);
+            EXPECT_STREQ(outline.fSOPInstanceUID.fText, uids[1].fText);
+            EXPECT_EQ(outline.fImageNumber, image->GetImageNumber());
+            const TDicomFile* const file = image->GetDicomFile();
+            const std::string path = file == nullptr ? "" : file->GetFileSpec()->fPath;
+            EXPECT_EQ(Relative(outline.fFilePath, fFolder), Relative(path, fOtherFolder));
+        }
     }
 }
 
