@@ -13,8 +13,12 @@ constexpr size_t kWorthWriting = 65536;
 }  // namespace
 
 void Console::Print(std::string_view line) {
-    fHeldBack += line;
-    fHeldBack += '\n';
+    PrintPart(line);
+    PrintPart("\n");
+}
+
+void Console::PrintPart(std::string_view part) {
+    fHeldBack += part;
     if (fHeldBack.size() >= kWorthWriting) Flush();
 }
 

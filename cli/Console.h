@@ -29,6 +29,9 @@ class Console {
     // Prints a line on standard output. Throws OutputError.
     void Print(std::string_view line);
 
+    // Prints a part of a line, of which more or an empty line follows. Throws OutputError.
+    void PrintPart(std::string_view part);
+
     // Writes what was held back. To be called at the end. Throws OutputError.
     void Flush();
 

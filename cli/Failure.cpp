@@ -51,4 +51,32 @@ std::optional<std::string> FailureOf(const VantorWrappers::HostString& path,
     }
 }
 
+const char* ReasonOf(const VantorWrappers::LuminaError& error) {
+    using VantorWrappers::ErrorNumber;
+    switch (error.GetErrorNumber()) {
+        case ErrorNumber::CopySeriesFailure:
+            return "the source or one of its records is at fault";
+        case ErrorNumber::CopySeriesVolumeFull:
+            return "a new file cannot be written; the volume is full or cannot be written";
+        case ErrorNumber::CopySeriesFAT32:
+            return "a new file cannot be written; the volume is full, or the file too large for FAT32";
+        case ErrorNumber::CopySeriesDestMissing:
+            return "the folder for the new files is not there";
+        case ErrorNumber::CopySeriesDirUpdateFailure:
+            return "the files are copied, but the DICOMDIR cannot be written";
+        case ErrorNumber::DirectoryReadOnly:
+            return "the DICOMDIR cannot be opened for writing";
+        case ErrorNumber::DirectoryWriteError:
+            return "the DICOMDIR cannot be written";
+        case ErrorNumber::DeleteFailed:
+            return "its files or the DICOMDIR cannot be changed";
+        default:
+            return NameOf(error.GetErrorNumber());
+    }
+}
+
+const char* ResultName(const VantorWrappers::LuminaError& error) {
+    return error.IsSuccess() ? "success" : NameOf(error.GetErrorNumber());
+}
+
 }  // namespace VantorCli

@@ -3,10 +3,20 @@
 #include <new>
 #include <string_view>
 
+#include "cli/AddCommand.h"
+#include "cli/CommandError.h"
+#include "cli/CopyCommand.h"
+#include "cli/CreateCommand.h"
+#include "cli/DamageFinding.h"
+#include "cli/DeleteCommand.h"
+#include "cli/DirsCommand.h"
+#include "cli/DrivesCommand.h"
 #include "cli/DumpCommand.h"
 #include "cli/InfoCommand.h"
 #include "cli/Text.h"
+#include "cli/TreeCommand.h"
 #include "dicom/TException.h"
+#include "host/DamagedDirectory.h"
 #include "host/Trace.h"
 
 namespace VantorCli {
@@ -30,6 +40,9 @@ std::vector<std::string> TraceLevelNames() {
     return names;
 }
 
+// A damaged DICOMDIR ends the command.
+void ThrowFinding(const HostString& message) { throw CommandError(FindingOf(message)); }
+
 }  // namespace
 
 Program::Program() : fApp("Vantor: DICOM media for review workstations", "vantor") {
@@ -52,6 +65,13 @@ Program::Program() : fApp("Vantor: DICOM media for review workstations", "vantor
         "  vantor info --help");
     Add(std::make_unique<InfoCommand>());
     Add(std::make_unique<DumpCommand>());
+    Add(std::make_unique<TreeCommand>());
+    Add(std::make_unique<CreateCommand>());
+    Add(std::make_unique<AddCommand>());
+    Add(std::make_unique<CopyCommand>());
+    Add(std::make_unique<DeleteCommand>());
+    Add(std::make_unique<DrivesCommand>());
+    Add(std::make_unique<DirsCommand>());
 }
 
 void Program::Add(std::unique_ptr<Command> command) {
@@ -68,6 +88,8 @@ ExitStatus Program::Run(int argumentCount, char** arguments) {
         return ParseAndRun(argumentCount, arguments);
     } catch (const OutputError& error) {
         if (!error.IsClosed()) fConsole.Report(error.what());
+    } catch (const CommandError& error) {
+        fConsole.Report(error.what());
     } catch (Vantor::TException* thrown) {
         const std::unique_ptr<Vantor::TException> error(thrown);
         fConsole.Report(ToPrintable(error->GetErrorText()));
@@ -118,6 +140,7 @@ void Program::StartTracing() {
 
 ExitStatus Program::RunCommand() {
     StartTracing();
+    VantorHost::DamagedDirectory::SetHandler(ThrowFinding);
     ExitStatus status = ExitStatus::kDone;
     for (const auto& [app, command] : fCommands) {
         if (app->parsed()) status = command->Run(fConsole);

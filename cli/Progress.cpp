@@ -1,6 +1,7 @@
 #include "cli/Progress.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "cli/Console.h"
 #include "platform/Console.h"
@@ -16,14 +17,19 @@ constexpr double kPercent = 100;
 
 }  // namespace
 
-Progress::Progress(Console& console, uint64_t total, const char* things)
+Progress::Progress(Console& console, uint64_t total, std::string things)
     : fConsole(console),
       fTotal(total),
-      fThings(things),
+      fThings(std::move(things)),
       fIsShown(Vantor::Platform::IsErrorTerminal()),
       fNextShow(std::chrono::steady_clock::now() + kShortWork) {}
 
 Progress::~Progress() { fConsole.ClearStatus(); }
+
+void Progress::GoOnWith(uint64_t total, std::string things) {
+    fTotal = total;
+    fThings = std::move(things);
+}
 
 void Progress::SetDone(uint64_t done) {
     if (!fIsShown || done >= fTotal) return;

@@ -13,10 +13,13 @@ class Console;
 class Progress {
   public:
     // `total` things are to be done, such as "files". The console must outlive this object.
-    Progress(Console& console, uint64_t total, const char* things);
+    Progress(Console& console, uint64_t total, std::string things);
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
+
+    // Other things are to be done from here on.
+    void GoOnWith(uint64_t total, std::string things);
 
     // So many are done.
     void SetDone(uint64_t done);
@@ -26,7 +29,7 @@ class Progress {
 
     Console& fConsole;
     uint64_t fTotal;
-    const char* fThings;
+    std::string fThings;
     bool fIsShown;  // there is a terminal to show it on
     std::chrono::steady_clock::time_point fNextShow;
 };

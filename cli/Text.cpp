@@ -140,11 +140,37 @@ std::string ToDotted(std::string_view bytes) {
     return text;
 }
 
-HostString Trimmed(const HostString& text) {
-    const size_t first = text.find_first_not_of(L' ');
-    if (first == HostString::npos) return HostString();
-    return text.substr(first, text.find_last_not_of(L' ') - first + 1);
+size_t WidthOf(std::string_view utf8) {
+    constexpr uint32_t kLeadMask = kContinuationMask ^ 0xFF;
+    return static_cast<size_t>(std::count_if(utf8.begin(), utf8.end(), [](char byte) {
+        return (static_cast<unsigned char>(byte) & kLeadMask) != kContinuation;
+    }));
 }
+
+std::string PadRight(std::string utf8, size_t width) {
+    utf8.append(width - std::min(width, WidthOf(utf8)), ' ');
+    return utf8;
+}
+
+std::string PadLeft(std::string utf8, size_t width) {
+    utf8.insert(0, width - std::min(width, WidthOf(utf8)), ' ');
+    return utf8;
+}
+
+std::string Grouped(uint64_t number) {
+    constexpr size_t kGroup = 3;
+    std::string text = std::to_string(number);
+    for (size_t end = text.size(); end > kGroup; end -= kGroup) {
+        text.insert(end - kGroup, 1, ',');
+    }
+    return text;
+}
+
+std::string Counted(uint64_t number, const char* one, const char* many) {
+    return Grouped(number) + " " + (number == 1 ? one : many);
+}
+
+std::string ReadableKilobytes(uint64_t count) { return Grouped(count) + " KB"; }
 
 std::string IsoDate(HostDateTime moment) {
     const std::chrono::year_month_day date = DateOf(moment);

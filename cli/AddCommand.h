@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/Command.h"
+
+namespace VantorCli {
+
+// vantor add: enters files into a DICOMDIR.
+class AddCommand : public Command {
+  public:
+    CLI::App* AddTo(CLI::App& program) override;
+    ExitStatus Run(Console& console) override;
+
+  private:
+    std::string fPath;
+    std::vector<std::string> fFiles;
+    bool fIsJson = false;
+};
+
+}  // namespace VantorCli

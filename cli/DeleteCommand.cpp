@@ -1,0 +1,69 @@
+#include "cli/DeleteCommand.h"
+
+#include <CLI/CLI.hpp>
+
+#include "cli/Console.h"
+#include "cli/Directories.h"
+#include "cli/Failure.h"
+#include "cli/Json.h"
+#include "cli/Progress.h"
+#include "cli/SeriesChoice.h"
+
+namespace VantorCli {
+
+namespace {
+
+using VantorWrappers::LuminaError;
+
+Json ToJson(const HostString& uid, const LuminaError& error) {
+    Json object;
+    object["series"] = ToUtf8(uid);
+    object["result"] = ResultName(error);
+    return object;
+}
+
+std::string ToText(const std::string& uid, const LuminaError& error) {
+    return (error.IsSuccess() ? "deleted  " : "failed   ") + uid;
+}
+
+}  // namespace
+
+CLI::App* DeleteCommand::AddTo(CLI::App& program) {
+    CLI::App* app = program.add_subcommand("delete", "Delete series with their files");
+    app->add_option("PATH", fPath, "A DICOMDIR, or the folder that holds it")->required()->type_name("");
+    app->add_option("--series", fSeries, "The series to be deleted")->required()->type_name("UID");
+    app->add_flag("--json", fIsJson, "One JSON object a line for each series");
+    app->footer(
+        "The files are removed from the disk, and studies and patients that are empty then from the "
+        "DICOMDIR.\n"
+        "Nothing is deleted when one of the series is not there. vantor tree tells the UIDs of series.\n"
+        "\n"
+        "Example:\n"
+        "  vantor delete EXAM --series 1.2.3.4 1.2.3.5");
+    return app;
+}
+
+ExitStatus DeleteCommand::Run(Console& console) {
+    Directories directories;
+    const auto directory = directories.OpenDicomdir(fPath, "vantor create makes one");
+    const auto series = ChooseSeries(*directory, fSeries, console);
+    if (!series) return ExitStatus::kFailed;
+    ExitStatus status = ExitStatus::kDone;
+    Progress progress(console, series->size(), "series");
+    const size_t width = WidthOfUIDs(*series);
+    for (size_t i = 0; i < series->size(); ++i) {
+        const HostString& uid = (*series)[i].GetSeriesUID();
+        const LuminaError error = directory->DeleteSeries((*series)[i]);
+        console.Print(fIsJson ? ToLine(ToJson(uid, error))
+                              : ToText(PadRight(ToPrintable(uid), width), error) + "  (" +
+                                    PlaceOf(i, series->size()) + ")");
+        if (!error.IsSuccess()) {
+            console.Report("series " + ToPrintable(uid) + ": " + ReasonOf(error));
+            status = ExitStatus::kFailed;
+        }
+        progress.SetDone(i + 1);
+    }
+    return status;
+}
+
+}  // namespace VantorCli

@@ -1,0 +1,66 @@
+#include "cli/Directories.h"
+
+#include <system_error>
+
+#include "cli/CommandError.h"
+#include "cli/Paths.h"
+
+namespace VantorCli {
+
+namespace {
+
+constexpr wchar_t kDicomdirName[] = L"DICOMDIR";
+
+}  // namespace
+
+std::shared_ptr<DicomDirectory> Directories::OpenAny(const std::string& path) {
+    auto directory = fManager.OpenDirectory(ToHostText(ToAbsolutePath(path)));
+    if (directory == nullptr || !directory->IsValid()) {
+        throw CommandError(ToPrintable(path) + ": no such file or folder");
+    }
+    return directory;
+}
+
+std::shared_ptr<DicomDirectory> Directories::Open(const std::string& path) {
+    auto directory = OpenAny(path);
+    if (HasDicomdir(*directory) || !directory->GetPatientList().empty()) return directory;
+    const bool isFolder = IsFolder(ToAbsolutePath(path));
+    throw CommandError(ToPrintable(path) +
+                       (isFolder ? ": no DICOM file is in this folder" : ": no DICOM file"));
+}
+
+std::shared_ptr<DicomDirectory> Directories::OpenDicomdir(const std::string& path, const char* advice) {
+    auto directory = OpenAny(path);
+    if (!HasDicomdir(*directory)) throw CommandError(ToPrintable(path) + ": no DICOMDIR is here; " + advice);
+    return directory;
+}
+
+std::shared_ptr<DicomDirectory> Directories::Create(const std::filesystem::path& folder,
+                                                    const HostString& fileSetName) {
+    const HostString path = ToHostText(folder / kDicomdirName);
+    std::shared_ptr<DicomDirectory> directory;
+    try {
+        directory = fManager.CreateOrReplaceDirectory(path, fileSetName, true);
+    } catch (const CommandError&) {
+        // Told below: what could not be made was not found damaged.
+    }
+    if (directory == nullptr || !directory->IsValid()) {
+        throw CommandError(ToPrintable(path) + ": cannot be written");
+    }
+    return directory;
+}
+
+bool HasDicomdir(const DicomDirectory& directory) { return !directory.IsFolder() || directory.HasDICOMDIR(); }
+
+bool IsFolder(const std::filesystem::path& path) {
+    std::error_code ignored;
+    return std::filesystem::is_directory(path, ignored);
+}
+
+void RequireNoDicomdir(const std::filesystem::path& folder, const char* advice) {
+    const std::filesystem::path dicomdir = FindDicomdir(folder);
+    if (!dicomdir.empty())
+        throw CommandError(ToPrintable(ToHostText(dicomdir)) + " is there already; " + advice);
+}
+
+}  // namespace VantorCli

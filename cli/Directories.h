@@ -1,0 +1,51 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "cli/Text.h"
+#include "wrappers/DicomDirectory.h"
+#include "wrappers/DirectoriesMgr.h"
+
+namespace VantorCli {
+
+using VantorWrappers::DicomDirectory;
+
+// The directories that a command works with, wherever they are. The drives are not looked at. What cannot be
+// had ends in a CommandError.
+class Directories {
+  public:
+    // A viewer's manager looks at one drive only, here at none.
+    Directories() : fManager(true, true, HostString()) {}
+
+    // A DICOMDIR, or the one in a folder; else the DICOM files below a folder, or a single file, of which
+    // there must be one.
+    std::shared_ptr<DicomDirectory> Open(const std::string& path);
+
+    // A DICOMDIR, or the one in a folder. `advice` tells how to make one.
+    std::shared_ptr<DicomDirectory> OpenDicomdir(const std::string& path, const char* advice);
+
+    // A new, empty DICOMDIR in a folder that exists, in place of one that may be there.
+    std::shared_ptr<DicomDirectory> Create(const std::filesystem::path& folder,
+                                           const HostString& fileSetName);
+
+  private:
+    std::shared_ptr<DicomDirectory> OpenAny(const std::string& path);
+
+    VantorWrappers::DirectoriesMgr fManager;
+};
+
+// True when the records are those of a DICOMDIR, also for one that was found in a folder.
+bool HasDicomdir(const DicomDirectory& directory);
+
+// What scripts call that.
+inline const char* KindOf(bool hasDicomdir) { return hasDicomdir ? "dicomdir" : "folder"; }
+
+// True when the path names an existing folder.
+bool IsFolder(const std::filesystem::path& path);
+
+// Ends the command when there is a DICOMDIR in the folder. `advice` tells what to do then.
+void RequireNoDicomdir(const std::filesystem::path& folder, const char* advice);
+
+}  // namespace VantorCli

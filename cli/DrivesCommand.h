@@ -1,0 +1,17 @@
+#pragma once
+
+#include "cli/Command.h"
+
+namespace VantorCli {
+
+// vantor drives: the drives of this computer.
+class DrivesCommand : public Command {
+  public:
+    CLI::App* AddTo(CLI::App& program) override;
+    ExitStatus Run(Console& console) override;
+
+  private:
+    bool fIsJson = false;
+};
+
+}  // namespace VantorCli

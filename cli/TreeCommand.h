@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+
+#include "cli/Command.h"
+
+namespace VantorCli {
+
+// vantor tree: the patients, studies, series and instances of a directory.
+class TreeCommand : public Command {
+  public:
+    CLI::App* AddTo(CLI::App& program) override;
+    ExitStatus Run(Console& console) override;
+
+  private:
+    std::string fPath;
+    bool fIsJson = false;
+};
+
+}  // namespace VantorCli
