@@ -106,6 +106,8 @@ ExitStatus DirsCommand::Run(Console& console) {
     DirectoriesMgr manager(true, false, HostString());
     const DirectoriesMgr::DirectoryList all = AllOf(manager);
     VantorHost::DamagedDirectory::SetHandler({});
+    // Who only looks changes nothing: a folder that is away at the moment stays remembered.
+    manager.SetIsViewer(true);
     for (const auto& directory : all) {
         const DirectoryFacts facts(*directory);
         if (fIsJson) {

@@ -14,7 +14,8 @@ import unittest
 import program
 import small_file
 
-COMMANDS = ["info", "dump"]
+FILE_COMMANDS = ["info", "dump"]
+COMMANDS = [*FILE_COMMANDS, "tree", "create", "add", "copy", "delete", "drives", "dirs"]
 INFO_KEYS = ["path", "kind", "uid", "seriesUID", "seriesDescription", "seriesNumber", "studyID", "studyUID",
              "studyDescription", "studyDate", "studyTime", "patientBirthDate", "accessionNumber", "referringPhysician",
              "modality", "imageNumber", "numberOfFrames", "patientName", "patientId", "contentDate", "contentTime",
@@ -128,7 +129,7 @@ class CommandLineTest(unittest.TestCase):
         bad.write_bytes(b"no DICOM file")
         missing = self.folder / "missing"
         told = [f"vantor: {bad}: Invalid Dicom File", f"vantor: {missing}: file not found"]
-        for command in COMMANDS:
+        for command in FILE_COMMANDS:
             run = program.run(command, self.folder)
             self.assertEqual(program.lines(run.stderr), [f"vantor: {self.folder}: this is a folder, not a file"])
         run = program.run("info", bad, good, missing, good)
