@@ -15,10 +15,11 @@ constexpr wchar_t kDicomdirName[] = L"DICOMDIR";
 
 std::shared_ptr<DicomDirectory> Directories::OpenAny(const std::string& path) {
     auto directory = fManager.OpenDirectory(ToHostText(ToAbsolutePath(path)));
-    if (directory == nullptr || !directory->IsValid()) {
-        throw CommandError(ToPrintable(path) + ": no such file or folder");
-    }
-    return directory;
+    if (directory != nullptr && directory->IsValid()) return directory;
+    std::error_code ignored;
+    const bool isThere = std::filesystem::exists(ToAbsolutePath(path), ignored);
+    throw CommandError(ToPrintable(path) +
+                       (isThere ? ": another program is changing it" : ": no such file or folder"));
 }
 
 std::shared_ptr<DicomDirectory> Directories::Open(const std::string& path) {

@@ -9,6 +9,7 @@
 #include "host/DamagedDirectory.h"
 #include "host/Trace.h"
 #include "platform/CodePage.h"
+#include "platform/FileException.h"
 #include "platform/FileSystem.h"
 #include "platform/PathStyle.h"
 #include "platform/Volumes.h"
@@ -25,6 +26,7 @@ namespace VantorWrappers {
 using Vantor::TDicomDirectory;
 using Vantor::TFileSpec;
 using Vantor::TFolderDirectory;
+using Vantor::Platform::FileException;
 using Vantor::Platform::FromHostText;
 using Vantor::Platform::PathStyle;
 using Vantor::Platform::ToHostText;
@@ -80,7 +82,17 @@ void DicomDirectory::Open(const std::string& path, const std::string& fileSetNam
     } else if (create) {
         CreateNew(path, fileSetName);
     } else {
+        OpenDICOMDIR(path);
+    }
+}
+
+// Another program that is just changing the DICOMDIR has not damaged it.
+void DicomDirectory::OpenDICOMDIR(const std::string& path) {
+    try {
         fUmDicomDirectory = std::make_unique<TDicomDirectory>(TFileSpec(path), 0);
+    } catch (const FileException& error) {
+        if (error.GetCause() != FileException::Cause::kSharingViolation) throw;
+        TraceError(error.what());
     }
 }
 
@@ -294,7 +306,11 @@ LuminaError DicomDirectory::CopySeries(const SeriesDirRec& series) {
     const auto raiseProgress = [this](int32_t copiedKB, int32_t totalKB) {
         fCopySeriesEventArgs.SetBytesCopiedInSeries(copiedKB);
         fCopySeriesEventArgs.SetTotalBytesInSeries(totalKB);
-        eCopySeriesProgress.Raise(fCopySeriesEventArgs);
+        try {
+            eCopySeriesProgress.Raise(fCopySeriesEventArgs);
+        } catch (...) {
+            if (fUmDicomDirectory != nullptr) throw;  // else nothing is left that the failure could concern
+        }
         return fUmDicomDirectory != nullptr;
     };
     const auto drive = fDriveInfo;

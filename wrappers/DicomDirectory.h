@@ -53,8 +53,9 @@ class DicomDirectory : public Linked<DicomDirectory>, public std::enable_shared_
     //     isDicomdir and create      makes a new one there, with the File-set ID `fileSetName`, in place of a
     //                                file of that name
     //     neither                    a folder, or a single file, at `path`
-    // Without a file or folder the object is without a directory, and never valid. When anything goes wrong,
-    // the user is told and the process ends: see VantorHost::DamagedDirectory.
+    // Without a file or folder the object is without a directory, and never valid; likewise for a DICOMDIR
+    // that another program has open to change it, for as long as OpenFile waits. When anything else goes
+    // wrong, the user is told and the process ends: see VantorHost::DamagedDirectory.
     DicomDirectory(const HostString& path, DirectoriesMgr& manager, const HostString& fileSetName,
                    bool create, bool isDicomdir);
     ~DicomDirectory();
@@ -231,6 +232,7 @@ class DicomDirectory : public Linked<DicomDirectory>, public std::enable_shared_
 
   private:
     void Open(const std::string& path, const std::string& fileSetName, bool create, bool isDicomdir);
+    void OpenDICOMDIR(const std::string& path);
     void OpenFolder(const std::string& path);
     void CreateNew(const std::string& path, const std::string& fileSetName);
     void TakeDrive(const std::string& path);

@@ -64,7 +64,8 @@ class DirectoriesMgr : public Linked<DirectoriesMgr> {
 
     // Addition for hosts: opens a directory anywhere, without looking at the drives: a DICOMDIR, of whatever
     // name; a folder with a DICOMDIR in it, which is opened; any other folder; or a single file. One that is
-    // there already is given again. Null when there is nothing at the path.
+    // there already is given again. Null when there is nothing at the path, or another program is changing
+    // the DICOMDIR. GetDirList keeps it only while its drive is one of those that are looked at.
     std::shared_ptr<DicomDirectory> OpenDirectory(const HostString& path);
 
     // A new directory in place of one of that full path.

@@ -75,8 +75,12 @@ void SeriesCopy::CopyFiles(TSeriesDoc& series) {
             fDestination = nullptr;
             return Stop(ErrorNumber::CopySeriesFailure, "CopySeries - The directory is gone");
         }
-        // The host may have begun another copy meanwhile, which has ended this one.
-        if (count == 0) return Stop(ErrorNumber::CopySeriesFailure, "CopySeries - There is nothing to copy");
+        // The host may have made another copy meanwhile, which has ended this one. What it has entered stays,
+        // also when that is the same series.
+        if (count == 0) {
+            fDestination = nullptr;
+            return Stop(ErrorNumber::CopySeriesFailure, "CopySeries - There is nothing to copy");
+        }
     }
     if (message[0] == '\0') return;
     Stop(HasRootFolder() ? ErrorNumber::CopySeriesDirUpdateFailure : ErrorNumber::CopySeriesDestMissing,

@@ -41,7 +41,7 @@ class SeriesCopy {
     void GiveUp(Vantor::TSeriesDoc& series);
     void WriteDirectory();
 
-    Vantor::TDicomDirectory* fDestination;  // null once it has gone away
+    Vantor::TDicomDirectory* fDestination;  // null once it has gone away, or another copy has ended this one
     const DriveInfo* fDrive;
     Progress fProgress;
     LuminaError fResult;
