@@ -30,7 +30,7 @@ std::string ToText(const std::string& uid, const LuminaError& error) {
 
 CLI::App* DeleteCommand::AddTo(CLI::App& program) {
     CLI::App* app = program.add_subcommand("delete", "Delete series with their files");
-    app->add_option("PATH", fPath, "A DICOMDIR, or the folder that holds it")->required()->type_name("");
+    app->add_option("PATH", fPath, "A DICOMDIR, a folder, or a DICOM file")->required()->type_name("");
     app->add_option("--series", fSeries, "The series to be deleted")->required()->type_name("UID");
     app->add_flag("--json", fIsJson, "One JSON object a line for each series");
     app->footer(
@@ -45,7 +45,7 @@ CLI::App* DeleteCommand::AddTo(CLI::App& program) {
 
 ExitStatus DeleteCommand::Run(Console& console) {
     Directories directories;
-    const auto directory = directories.OpenDicomdir(fPath, "vantor create makes one");
+    const auto directory = directories.Open(fPath);
     const auto series = ChooseSeries(*directory, fSeries, console);
     if (!series) return ExitStatus::kFailed;
     ExitStatus status = ExitStatus::kDone;

@@ -79,6 +79,10 @@ bool TFolderDirectory::ReloadIfChanged() {
     return false;
 }
 
+void TFolderDirectory::LookAgain() {
+    if (!fHasDICOMDIR) ScanAnew();
+}
+
 // ---- Looking through the files ----
 
 // The time is noted first: what is changed meanwhile is looked at again next time.

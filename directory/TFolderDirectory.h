@@ -37,6 +37,9 @@ class TFolderDirectory final : public TDicomDirectory {
     // changed.
     bool ReloadIfChanged() override;
 
+    // Without a DICOMDIR, looks through the files again, whether or not the folder has changed.
+    void LookAgain();
+
     // Enters the files below the folder, or the one file; those that are there stay there.
     void ScanFiles() override;
 

@@ -77,21 +77,18 @@ void DicomDirectory::ReportDamage(const HostString& path) {
 void DicomDirectory::Open(const std::string& path, const std::string& fileSetName, bool create,
                           bool isDicomdir) {
     if (!TFileSpec::FitsPath(path)) return;
-    if (!isDicomdir) {
-        OpenFolder(path);
-    } else if (create) {
-        CreateNew(path, fileSetName);
-    } else {
-        OpenDICOMDIR(path);
-    }
-}
-
-// Another program that is just changing the DICOMDIR has not damaged it.
-void DicomDirectory::OpenDICOMDIR(const std::string& path) {
     try {
-        fUmDicomDirectory = std::make_unique<TDicomDirectory>(TFileSpec(path), 0);
+        if (!isDicomdir) {
+            OpenFolder(path);
+        } else if (create) {
+            CreateNew(path, fileSetName);
+        } else {
+            fUmDicomDirectory = std::make_unique<TDicomDirectory>(TFileSpec(path), 0);
+        }
     } catch (const FileException& error) {
+        // Another program that is just changing the DICOMDIR has not damaged it.
         if (error.GetCause() != FileException::Cause::kSharingViolation) throw;
+        fUmDicomDirectory.reset();
         TraceError(error.what());
     }
 }
@@ -151,10 +148,10 @@ void DicomDirectory::UpdateManagedLists() {
     for (Vantor::TSeriesDoc* series : *fUmDicomDirectory->GetSeriesDocs()) {
         fUmDicomDirectory->SortImagesByNumber(series);
     }
-    FillList(fPatientList, *fUmDicomDirectory->GetPatientDocs(), *this);
-    FillList(fStudyList, *fUmDicomDirectory->GetStudyDocs(), *this);
-    FillList(fSeriesList, *fUmDicomDirectory->GetSeriesDocs(), *this);
-    fWrapperIsCurrent = true;
+    const bool hasPatients = FillList(fPatientList, *fUmDicomDirectory->GetPatientDocs(), *this);
+    const bool hasStudies = FillList(fStudyList, *fUmDicomDirectory->GetStudyDocs(), *this);
+    const bool hasSeries = FillList(fSeriesList, *fUmDicomDirectory->GetSeriesDocs(), *this);
+    fWrapperIsCurrent = hasPatients && hasStudies && hasSeries;
 }
 
 bool DicomDirectory::IsCurrent() const {
@@ -171,7 +168,7 @@ void DicomDirectory::UpdateDirRecs() {
 }
 
 void DicomDirectory::SyncWithDiskVersion() {
-    if (IsValid()) FailureOf([this] { fUmDicomDirectory->RefreshDocs(); });
+    if (IsValid()) FailureOf([this] { MakeRecordsAnew(*fUmDicomDirectory); });
 }
 
 void DicomDirectory::ClearAllDirectoryRecords() {

@@ -39,8 +39,8 @@ class DirectoriesMgr;
 // The lists of patients, studies and series are as the records were when they were made. Changes mark them
 // as not current, and the host has them made anew with UpdateDirRecs.
 //
-// Nothing is thrown, but for IsWritable. What fails writes one line to the directory trace, and where an
-// operation has no result of its own GetError tells.
+// Nothing is thrown, but for IsWritable and what the host's own hooks throw (host/). What fails writes one
+// line to the directory trace, and where an operation has no result of its own GetError tells.
 //
 // Files are entered with OpenForUpdating, AddFile for each, Save. For one thread at a time.
 class DicomDirectory : public Linked<DicomDirectory>, public std::enable_shared_from_this<DicomDirectory> {
@@ -80,7 +80,8 @@ class DicomDirectory : public Linked<DicomDirectory>, public std::enable_shared_
     const std::vector<StudyDirRec>& GetStudyList() const { return fStudyList; }
     const std::vector<SeriesDirRec>& GetSeriesList() const { return fSeriesList; }
 
-    // True when neither the records have changed since the lists were made nor the DICOMDIR on disk.
+    // True when the DICOMDIR on disk is the one that was read, and nothing has been entered, copied or
+    // deleted here, nor ForceRefresh called, since the lists were made. Setters of records do not count.
     bool IsCurrent() const;
 
     // Marks the lists as not current.
@@ -89,7 +90,8 @@ class DicomDirectory : public Linked<DicomDirectory>, public std::enable_shared_
     // Reads the DICOMDIR again when it has changed on disk, and makes the lists anew.
     void UpdateDirRecs();
 
-    // Makes the records anew from what was read of the DICOMDIR last; changes that were not saved are gone.
+    // Makes the records anew from what was read of the DICOMDIR last, or of a folder without one from its
+    // files; changes that were not saved are gone.
     void SyncWithDiskVersion();
 
     // Takes all records out.
@@ -232,7 +234,6 @@ class DicomDirectory : public Linked<DicomDirectory>, public std::enable_shared_
 
   private:
     void Open(const std::string& path, const std::string& fileSetName, bool create, bool isDicomdir);
-    void OpenDICOMDIR(const std::string& path);
     void OpenFolder(const std::string& path);
     void CreateNew(const std::string& path, const std::string& fileSetName);
     void TakeDrive(const std::string& path);

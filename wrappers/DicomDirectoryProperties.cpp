@@ -186,6 +186,7 @@ HostString DicomDirectory::GetRootPath() const {
 
 HostString DicomDirectory::GetDisplayName() const {
     constexpr size_t kDriveWithColon = 3;
+    if (!IsValid()) return {};
     HostString name = GetDirName().value_or(HostString());
     const bool isNamedAfterFile = name.empty() || name.find(L"DICOMDIR") != HostString::npos;
     if (IsFolder() && isNamedAfterFile) {

@@ -13,8 +13,9 @@ class DicomDirectory;
 // directory, by the texts; they do nothing, and answer false, 0 or "", when it or the directory is not there
 // any more. May be copied.
 //
-// A setter trims the new value, puts it into the record and keeps it; when the record is not found, a trace
-// warning is written and nothing changes. Nothing is written to disk: the host saves the directory.
+// A setter trims the new value, cuts it to the 64 bytes that a record holds, puts it there and keeps it; when
+// the record is not found, a trace warning is written and nothing changes. Nothing is written to disk: the
+// host saves the directory.
 //
 // Texts are trimmed, and "" for what the record does not have.
 class DirRec {

@@ -50,19 +50,25 @@ HostString DirectoryFileIn(const HostString& folder) {
 
 void TraceVerbose(const HostString& text) { VantorWrappers::TraceVerbose(FromHostText(text)); }
 
-// The SOP class or instance UID of a file as it is on disk; empty when it cannot be read.
-template <typename Getter>
-std::string ReadUidOfFile(const HostString& path, Getter getter) {
-    const std::string file = FromHostText(path);
-    if (!TFileSpec::FitsPath(file)) return {};
+using UidGetter = bool (TDicomFile::*)(char*);
+
+// A UID as it is stored; empty when there is none.
+std::string UidOf(TDicomFile& file, UidGetter getter) {
     char uid[Vantor::kMaximumUidLength + 1] = {};
-    const bool isRead = Vantor::Succeeds([&] {
-        TDicomFile dicomFile(0, TFileSpec(file), 0);
+    (file.*getter)(uid);
+    return uid;
+}
+
+// The SOP class or instance UID of a file as it is on disk; none when the file cannot be read.
+std::optional<std::string> ReadUidOfFile(const HostString& path, UidGetter getter) {
+    const std::string file = FromHostText(path);
+    if (!TFileSpec::FitsPath(file)) return std::nullopt;
+    TDicomFile dicomFile(0, TFileSpec(file), 0);
+    const bool isRead = Vantor::Succeeds([&dicomFile] {
         dicomFile.OpenFile(Vantor::Platform::FileAccess::kRead);
         dicomFile.ReadMetaHeader();
-        (dicomFile.*getter)(uid);
     });
-    return isRead ? uid : std::string();
+    return isRead ? std::optional(UidOf(dicomFile, getter)) : std::nullopt;
 }
 
 // True for a DICOMDIR of whatever name, and for a file of that name, whatever is in it.
@@ -181,9 +187,9 @@ void DirectoriesMgr::DropChangedDirectories() {
 // same.
 bool DirectoriesMgr::IsStillThere(const DicomDirectory& directory) const {
     if (!FindAvailableDrive(directory.GetDrive())) return false;
-    if (directory.GetUmDirectory()->IsOpen()) return true;
-    const std::string uid = ReadUidOfFile(directory.GetFullPath(), &TDicomFile::GetSOPInstanceUID);
-    return !uid.empty() && ToHostText(uid) == directory.GetDirectoryUID();
+    TDicomDirectory& native = *directory.GetUmDirectory();
+    return native.IsOpen() || ReadUidOfFile(directory.GetFullPath(), &TDicomFile::GetSOPInstanceUID) ==
+                                  UidOf(native, &TDicomFile::GetSOPInstanceUID);
 }
 
 void DirectoriesMgr::AddFoundDirectories() {
@@ -365,7 +371,7 @@ void DirectoriesMgr::MakeAnew(TDicomDirectory& native, const std::string& name) 
 // What is on disk is as it was, and so are the records.
 LuminaError DirectoriesMgr::GiveUpRepair(TDicomDirectory& native, const std::string& reason) {
     TraceError("Repair exception caught: " + reason);
-    Vantor::Succeeds([&native] { native.RefreshDocs(); });
+    Vantor::Succeeds([&native] { MakeRecordsAnew(native); });
     return {ErrorSeverity::Fatal, ErrorNumber::RepairFailure};
 }
 

@@ -20,8 +20,8 @@ namespace VantorWrappers {
 // exchanged are dropped, new ones come in. A directory that is dropped is not valid from then on; who holds
 // it may go on holding it.
 //
-// What is remembered is in the current user's registry (see docs/registry.md). Nothing is thrown. One thread
-// at a time.
+// What is remembered is in the current user's registry (see docs/registry.md). Nothing is thrown but what
+// the host's own hooks throw (host/). One thread at a time.
 class DirectoriesMgr : public Linked<DirectoriesMgr> {
   public:
     using DirectoryList = std::vector<std::shared_ptr<DicomDirectory>>;
@@ -68,12 +68,10 @@ class DirectoriesMgr : public Linked<DirectoriesMgr> {
     // the DICOMDIR. GetDirList keeps it only while its drive is one of those that are looked at.
     std::shared_ptr<DicomDirectory> OpenDirectory(const HostString& path);
 
-    // A new directory in place of one of that full path.
-    //     isDicomdir    a DICOMDIR at `path`, with that File-set ID; records of an old one are gone
-    //     else          the folder at `path`, with a new DICOMDIR of that File-set ID and an image folder;
-    //     null
-    //                   when it does not exist
-    // DicomDirectory::GetError tells whether a folder's DICOMDIR could be written.
+    // A new directory in place of one of that full path: with `isDicomdir` a DICOMDIR there, with that
+    // File-set ID, and the records of an old one are gone; else the folder there, with a new DICOMDIR of that
+    // File-set ID and an image folder, or null when there is no folder. DicomDirectory::GetError tells
+    // whether a folder's DICOMDIR could be written.
     std::shared_ptr<DicomDirectory> CreateOrReplaceDirectory(const HostString& path, const HostString& name,
                                                              bool isDicomdir);
 

@@ -24,7 +24,7 @@ bool HasChildren(TDicomDoc& doc) {
 void WriteDICOMDIR(TDicomDirectory& directory) {
     directory.WriteDICOMDIR();
     const auto* const folder = dynamic_cast<const TFolderDirectory*>(&directory);
-    if (folder != nullptr && !folder->HasWritten()) {
+    if (folder != nullptr && folder->GetHasDICOMDIRflag() && !folder->HasWritten()) {
         throw new TException(Vantor::ErrorNumbers::kRecordStructure, "DICOMDIR was not written");
     }
     directory.UpdateModTime();
@@ -33,6 +33,11 @@ void WriteDICOMDIR(TDicomDirectory& directory) {
 bool IsPlainFolder(const TDicomDirectory& directory) {
     const auto* const folder = dynamic_cast<const TFolderDirectory*>(&directory);
     return folder != nullptr && !folder->GetHasDICOMDIRflag();
+}
+
+void MakeRecordsAnew(TDicomDirectory& directory) {
+    if (!IsPlainFolder(directory)) return directory.RefreshDocs();
+    dynamic_cast<TFolderDirectory&>(directory).LookAgain();
 }
 
 void RemoveEmptyDocs(TDicomDirectory& directory, TDicomDoc* lowest, bool deletesFolders) {

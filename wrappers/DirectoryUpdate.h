@@ -16,6 +16,10 @@ void WriteDICOMDIR(Vantor::TDicomDirectory& directory);
 // True for a folder that has no DICOMDIR: nothing has to be opened or written to change it.
 bool IsPlainFolder(const Vantor::TDicomDirectory& directory);
 
+// Makes the records what they are on disk: those of the DICOMDIR as it was read last, or, of a plain folder,
+// those of the files that are there. Throws as TDicomDirectory::RefreshDocs.
+void MakeRecordsAnew(Vantor::TDicomDirectory& directory);
+
 // Takes out a study or patient that nothing is below any more, and then what is above it, up to the first one
 // that has something left. `deletesFolders`: the folder of a study goes from disk as well.
 void RemoveEmptyDocs(Vantor::TDicomDirectory& directory, Vantor::TDicomDoc* lowest, bool deletesFolders);

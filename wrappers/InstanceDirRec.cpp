@@ -22,7 +22,7 @@ InstanceDirRec::Ancestors::Ancestors(const TSeriesDoc* series) {
     const auto* const patient = fHasStudy ? dynamic_cast<const TPatientDoc*>(study->GetParentObj()) : nullptr;
     if (patient == nullptr) return;
     fPatientName = ReadUntrimmed(*patient, &TPatientDoc::GetPatientName, kNameSize);
-    fPatientID = ReadUntrimmed(*patient, &TPatientDoc::GetPatientNumber, kNameSize);
+    fPatientID = ReadText(*patient, &TPatientDoc::GetPatientNumber, kNameSize);
 }
 
 InstanceDirRec::Ancestors InstanceDirRec::AncestorsOf(const TDicomDoc& doc) {

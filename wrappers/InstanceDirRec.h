@@ -32,7 +32,7 @@ class InstanceDirRec : public DirRec {
     // The SOP class UID. Hosts rely on it: it has always been so, see IsSameStudy.
     const HostString& GetStudyUID() const { return fStudyUID; }
 
-    // In DICOM form, and the ID; neither is trimmed.
+    // In DICOM form and not trimmed; and the ID.
     const HostString& GetPatientName() const { return fPatientName; }
     const HostString& GetPatientID() const { return fPatientID; }
 

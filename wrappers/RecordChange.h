@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/CodePage.h"
+#include "records/TDicomDoc.h"
 #include "wrappers/Boundary.h"
 #include "wrappers/HostString.h"
 
@@ -17,17 +18,18 @@ inline constexpr char kNoNativeObject[] = "No pointer to unmanaged object, initi
 //
 //     if (ChangeRecord(FindDoc(), "Not found, name not set.", name, &TPatientDoc::SetPatientName)) ...
 //
-// Gives the text as it was put there, trimmed; none when there is no document, and then `warning` is written
-// to the trace, or when the record has no room for it.
+// Gives the text as it was put there, trimmed and as long as a record can hold; none when there is no
+// document, and then `warning` is written to the trace, or when the record has no room for it.
 template <typename Doc, typename Setter>
 std::optional<HostString> ChangeRecord(Doc* doc, const char* warning, const HostString& text, Setter setter) {
     if (doc == nullptr) {
         TraceWarning(warning);
         return std::nullopt;
     }
-    HostString trimmed = Trimmed(text);
-    const auto failure = FailureOf([&] { (doc->*setter)(Vantor::Platform::FromHostText(trimmed).c_str()); });
-    if (!failure) return trimmed;
+    std::string bytes = Vantor::Platform::FromHostText(Trimmed(text));
+    bytes.resize(Vantor::Platform::CutPosition(bytes, Vantor::TDicomDoc::kLongestText));
+    const auto failure = FailureOf([&] { (doc->*setter)(bytes.c_str()); });
+    if (!failure) return Trimmed(Vantor::Platform::ToHostText(bytes));
     TraceError(*failure);
     return std::nullopt;
 }

@@ -55,7 +55,7 @@ void SeriesDeletion::Delete(TSeriesDoc& series) {
 LuminaError SeriesDeletion::Fail(const char* line) {
     TraceError(line);
     fDirectory.CloseFile();
-    if (!IsPlainFolder(fDirectory)) Vantor::Succeeds([this] { fDirectory.RefreshDocs(); });
+    Vantor::Succeeds([this] { MakeRecordsAnew(fDirectory); });
     return {ErrorSeverity::Fatal, ErrorNumber::DeleteFailed};
 }
 

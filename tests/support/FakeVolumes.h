@@ -16,6 +16,8 @@ struct FakeDrive {
     Vantor::Platform::DriveType fType = Vantor::Platform::DriveType::kFixed;
     std::string fFormat = "NTFS";
     bool fIsReady = true;
+    std::string fLabel = "LABEL";
+    uint64_t fFreeBytes = 1 << 20;
 };
 
 // While it is alive, the computer has the drives that a test lists, in that order.
@@ -37,7 +39,7 @@ class FakeVolumes final : public Vantor::Platform::Volumes {
     std::optional<Vantor::Platform::VolumeInfo> GetInfo(const std::string& name) override {
         const FakeDrive* const drive = Find(name);
         if (drive == nullptr || !drive->fIsReady) return std::nullopt;
-        return Vantor::Platform::VolumeInfo{"LABEL", drive->fFormat, 255, 1 << 20};
+        return Vantor::Platform::VolumeInfo{drive->fLabel, drive->fFormat, 255, drive->fFreeBytes};
     }
     std::string NameOf(const std::string& path) override {
         const FakeDrive innermost = std::accumulate(

@@ -77,6 +77,18 @@ TEST_F(DirectoriesMgrTest, FollowsTheDiscsInTheDrives) {
     EXPECT_EQ(fDamage.size(), 0U);
 }
 
+// Foreign writers leave the UID out or fill it with a blank.
+TEST_F(DirectoriesMgrTest, KeepsDiscsWithOddUIDs) {
+    for (const char* uid : {"", "1.1 "}) {
+        InsertDisc("C", uid);
+        Start();
+        const auto disc = fManager->GetDirList().at(0);
+        EXPECT_EQ(fManager->GetDirList().at(0), disc) << uid;
+        InsertDisc("C", "1.2");
+        EXPECT_NE(fManager->GetDirList().at(0), disc) << uid;
+    }
+}
+
 // A disc that is being written here stays, whatever its file is just like.
 TEST_F(DirectoriesMgrTest, KeepsWhatIsBeingUpdated) {
     InsertDisc("C", "1.1");
@@ -338,6 +350,16 @@ TEST_F(DirectoriesMgrTest, RepairsADirectoryByEmptyingIt) {
         EXPECT_TRUE(directory->IsValid());
         fManager->SetReadDir(nullptr);
     }
+    // Without a DICOMDIR its records are those of the files.
+    fFolder.WriteFile("D/PLAIN/I1", FileOf({}).Build());
+    const auto plain = Open("D/PLAIN");
+    ASSERT_EQ(plain->GetSeriesList().size(), 1U);
+    fFolder.MakeFolder("D/PLAIN/DICOMDIR");
+    EXPECT_EQ(fManager->RepairDirectory(plain, L"x"), Fatal(ErrorNumber::RepairFailure));
+    plain->SyncWithDiskVersion();
+    plain->UpdateDirRecs();
+    EXPECT_EQ(plain->GetSeriesList().size(), 1U);
+    fTrace.Take();
     fs::remove_all(fFolder.PathOf("D/EXAM"));
     EXPECT_EQ(fManager->RepairDirectory(folder, L"x"), Fatal(ErrorNumber::RepairFailure));
     EXPECT_EQ(fTrace.Take().size(), 1U);

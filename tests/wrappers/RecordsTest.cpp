@@ -140,11 +140,11 @@ TEST_F(RecordsTest, TellWhatTheDirectoryKnows) {
     };
     const HostString above =
         L"|1.2.840.10008.5.1.4.1.1.3.1|1.2.3.2.2|1.2.840.10008.5.1.4.1.1.3.1| "
-        L"M\xFCller^Anna^^Dr. | ID 1 |";
+        L"M\xFCller^Anna^^Dr. |ID 1|";
     EXPECT_EQ(show(all.fImage, all.fImage.GetImagePath()), L"1.2.3.3.3" + above + Show(PathOf("C/QMAG/3")));
     EXPECT_EQ(show(all.fRaw, all.fRaw.GetRawDataPath()), L"1.2.3.3.5" + above + Show(PathOf("C/IMAGES/5")));
     EXPECT_EQ(show(all.fPrivate.at(0), all.fPrivate.at(0).GetDicomFile()),
-              L"||1.2.3.2.2|| M\xFCller^Anna^^Dr. | ID 1 |" + Show(PathOf("C/IMAGES/6")));
+              L"||1.2.3.2.2|| M\xFCller^Anna^^Dr. |ID 1|" + Show(PathOf("C/IMAGES/6")));
     EXPECT_EQ(all.fImage.GetImageNumber(), 3);
     EXPECT_EQ(fTrace.Take(), Lines());
 }
@@ -174,6 +174,19 @@ TEST_F(RecordsTest, AreFoundFromOneAnother) {
     others.fPatient.SetPatientNumber(L"ID 2");
     others.fImage.UpdateFields(other->GetUmImage(others.fImage.GetInstanceUID()));
     EXPECT_FALSE(all.fImage.IsSameStudy(others.fImage) || all.fImage.IsSamePatient(others.fImage));
+}
+
+// A record holds 64 bytes; its object must find it by what it holds.
+TEST_F(RecordsTest, SetsNoMoreThanARecordHolds) {
+    PatientDirRec patient = Records(*fDirectory).fPatient;
+    patient.SetPatientName(HostString(70, L'N'));
+    patient.SetPatientNumber(HostString(70, L'7'));
+    EXPECT_EQ(patient.GetDicomPatientName() + patient.GetPatientNumber(),
+              HostString(64, L'N') + HostString(64, L'7'));
+    std::vector<StudyDirRec> studies;
+    patient.GetStudies(studies);
+    EXPECT_EQ(studies.size(), 2U);
+    EXPECT_EQ(fTrace.Take(), Lines());
 }
 
 TEST_F(RecordsTest, AnUnreadableDateIsThatOfTheFirstDay) {
