@@ -30,7 +30,7 @@ void PrintSkipped(const EnteredFiles& files, const HostString& folder, Console& 
     const auto& skipped = files.GetSkipped();
     Table table(0, {Table::Align::kLeft, Table::Align::kLeft, Table::Align::kLeft});
     for (size_t i = 0; i < std::min(skipped.size(), kShownSkipped); ++i) {
-        table.AddRow({"skipped", ToPrintable(RelativeTo(folder, skipped[i].fPath)), skipped[i].fReason});
+        table.AddRow("skipped", ToPrintable(RelativeTo(folder, skipped[i].fPath)), skipped[i].fReason);
     }
     table.Print(console);
     if (skipped.size() > kShownSkipped) {

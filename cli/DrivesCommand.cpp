@@ -45,10 +45,10 @@ Json ToJson(const DriveInfo& drive) {
     return object;
 }
 
-std::vector<std::string> ToRow(const DriveInfo& drive) {
-    return {ToPrintable(drive.GetName()), NameOf(drive.GetType()),
-            drive.IsReady() ? ToPrintable(drive.GetDriveFormat()) : "not ready",
-            ToPrintable(drive.GetVolumeLabel())};
+void AddRow(Table& table, const DriveInfo& drive) {
+    table.AddRow(ToPrintable(drive.GetName()), NameOf(drive.GetType()),
+                 drive.IsReady() ? ToPrintable(drive.GetDriveFormat()) : "not ready",
+                 ToPrintable(drive.GetVolumeLabel()));
 }
 
 }  // namespace
@@ -75,7 +75,7 @@ ExitStatus DrivesCommand::Run(Console& console) {
         if (fIsJson) {
             console.Print(ToLine(ToJson(drive)));
         } else {
-            table.AddRow(ToRow(drive));
+            AddRow(table, drive);
         }
     }
     if (drives.empty() && !fIsJson) console.Print("no drives");

@@ -12,45 +12,52 @@ namespace {
 
 constexpr size_t kGap = 2;
 
-void RemoveBlanksAtEnd(std::string& line) { line.erase(line.find_last_not_of(' ') + 1); }
-
 }  // namespace
-
-void Table::AddRow(std::vector<std::string> cells) {
-    cells.resize(fColumns.size());
-    fRows.push_back(std::move(cells));
-}
 
 std::vector<size_t> Table::WidthsOfColumns() const {
     std::vector<size_t> widths(fColumns.size());
-    for (const std::vector<std::string>& row : fRows) {
-        for (size_t i = 0; i < row.size(); ++i) {
-            widths[i] = std::max(widths[i], WidthOf(row[i]));
-        }
+    for (size_t i = 0; i < fCells.size(); ++i) {
+        size_t& width = widths[i % fColumns.size()];
+        width = std::max(width, WidthOf(fCells[i]));
     }
     return widths;
 }
 
+// Without blanks at its end.
+void Table::AppendLine(size_t row, const std::vector<size_t>& widths, std::string& text) const {
+    size_t blanks = fIndent;
+    for (size_t i = 0; i < fColumns.size(); ++i) {
+        if (widths[i] == 0) continue;
+        const std::string& cell = fCells[row * fColumns.size() + i];
+        const size_t padding = widths[i] - WidthOf(cell);
+        const bool isRight = fColumns[i] == Align::kRight;
+        if (!cell.empty()) {
+            text.append(blanks + (isRight ? padding : 0), ' ').append(cell);
+            blanks = 0;
+        }
+        blanks += kGap + (isRight && !cell.empty() ? 0 : padding);
+    }
+}
+
 std::vector<std::string> Table::ToLines() const {
     const std::vector<size_t> widths = WidthsOfColumns();
-    std::vector<std::string> lines;
-    lines.reserve(fRows.size());
-    for (const std::vector<std::string>& row : fRows) {
-        std::string& line = lines.emplace_back(fIndent, ' ');
-        for (size_t i = 0; i < row.size(); ++i) {
-            if (widths[i] == 0) continue;
-            line += fColumns[i] == Align::kRight ? PadLeft(row[i], widths[i]) : PadRight(row[i], widths[i]);
-            line.append(kGap, ' ');
-        }
-        RemoveBlanksAtEnd(line);
+    std::vector<std::string> lines(CountRows());
+    for (size_t row = 0; row < lines.size(); ++row) {
+        AppendLine(row, widths, lines[row]);
     }
     return lines;
 }
 
-void Table::Print(Console& console) const {
-    for (const std::string& line : ToLines()) {
-        console.Print(line);
+std::string Table::ToText() const {
+    const std::vector<size_t> widths = WidthsOfColumns();
+    std::string text;
+    for (size_t row = 0; row < CountRows(); ++row) {
+        AppendLine(row, widths, text);
+        text += '\n';
     }
+    return text;
 }
+
+void Table::Print(Console& console) const { console.PrintPart(ToText()); }
 
 }  // namespace VantorCli

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace VantorCli {
@@ -16,18 +17,25 @@ class Table {
     Table(size_t indent, std::vector<Align> columns) : fIndent(indent), fColumns(std::move(columns)) {}
 
     // A cell for each column, of UTF-8 that is fit to be printed.
-    void AddRow(std::vector<std::string> cells);
+    template <typename... Cells>
+    void AddRow(Cells&&... cells) {
+        (fCells.emplace_back(std::forward<Cells>(cells)), ...);
+    }
 
-    bool IsEmpty() const { return fRows.empty(); }
+    // The rows as lines; and all of them in one text, with an end of line behind each.
     std::vector<std::string> ToLines() const;
+    std::string ToText() const;
+
     void Print(Console& console) const;
 
   private:
+    size_t CountRows() const { return fCells.size() / fColumns.size(); }
     std::vector<size_t> WidthsOfColumns() const;
+    void AppendLine(size_t row, const std::vector<size_t>& widths, std::string& text) const;
 
     size_t fIndent;
     std::vector<Align> fColumns;
-    std::vector<std::vector<std::string>> fRows;
+    std::vector<std::string> fCells;  // row by row
 };
 
 }  // namespace VantorCli

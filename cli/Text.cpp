@@ -108,6 +108,14 @@ const char* MonthName(std::chrono::month month) {
     return kNames[static_cast<unsigned>(month) - 1];
 }
 
+// Of ASCII.
+std::string ToNarrow(const HostString& text) {
+    std::string narrow(text.size(), '\0');
+    std::transform(text.begin(), text.end(), narrow.begin(),
+                   [](wchar_t character) { return static_cast<char>(character); });
+    return narrow;
+}
+
 }  // namespace
 
 std::string ToUtf8(const HostString& text) {
@@ -117,6 +125,8 @@ std::string ToUtf8(const HostString& text) {
 }
 
 std::string ToPrintable(const HostString& text) {
+    const auto isPlain = [](wchar_t character) { return character >= L' ' && character < L'\x7F'; };
+    if (std::all_of(text.begin(), text.end(), isPlain)) return ToNarrow(text);
     std::string utf8;
     ForEachCodePoint(text, [&utf8](uint32_t codePoint) {
         if (IsControl(codePoint)) {

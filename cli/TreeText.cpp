@@ -128,20 +128,18 @@ void TreeText::PrintStudy(const StudyDirRec& study) {
     std::vector<SeriesDirRec> list;
     study.GetSeries(list);
     Table headlines(kSeriesIndent, {kLeft, kRight, kLeft, kLeft, kLeft});
-    std::vector<std::vector<std::string>> contents;
+    std::vector<std::string> contents;
     for (const SeriesDirRec& series : list) {
         SeriesContent content = ContentOf(series);
-        headlines.AddRow({"series", ReadableOrNone(series.GetSeriesNumber()),
-                          ReadableOrNone(series.GetModality()), content.fCounts,
-                          ToPrintable(series.GetSeriesDescription())});
-        contents.push_back(std::move(content.fLines));
+        headlines.AddRow("series", ReadableOrNone(series.GetSeriesNumber()),
+                         ReadableOrNone(series.GetModality()), content.fCounts,
+                         ToPrintable(series.GetSeriesDescription()));
+        contents.push_back(std::move(content.fText));
     }
     const std::vector<std::string> lines = headlines.ToLines();
     for (size_t i = 0; i < list.size(); ++i) {
         fConsole.Print(lines[i]);
-        for (const std::string& line : contents[i]) {
-            fConsole.Print(line);
-        }
+        fConsole.PrintPart(contents[i]);
     }
     fSeries += list.size();
 }
@@ -151,17 +149,13 @@ TreeText::SeriesContent TreeText::ContentOf(const SeriesDirRec& series) {
     Table instances(kInstanceIndent, {kLeft, kRight, kLeft});
     fWalk.ForEach(series, [&](const Instance& instance) {
         counts.Add(instance.fKind);
-        instances.AddRow({instance.fKind, instance.fNumber ? std::to_string(*instance.fNumber) : "",
-                          ToPrintable(RelativeTo(fRoot, instance.fPath))});
+        instances.AddRow(instance.fKind, instance.fNumber ? std::to_string(*instance.fNumber) : "",
+                         ToPrintable(RelativeTo(fRoot, instance.fPath)));
         ++fInstances;
     });
     // How other commands are told which series is meant.
-    SeriesContent content{{std::string(kInstanceIndent, ' ') + Labelled("UID", series.GetSeriesUID())},
-                          counts.ToText()};
-    for (std::string& line : instances.ToLines()) {
-        content.fLines.push_back(std::move(line));
-    }
-    return content;
+    const std::string uid = std::string(kInstanceIndent, ' ') + Labelled("UID", series.GetSeriesUID());
+    return {uid + '\n' + instances.ToText(), counts.ToText()};
 }
 
 void TreeText::PrintTotals() {

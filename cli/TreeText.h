@@ -29,7 +29,7 @@ class TreeText {
   private:
     // The lines below a series, and what it holds, such as "3 images, 1 report".
     struct SeriesContent {
-        std::vector<std::string> fLines;
+        std::string fText;
         std::string fCounts;
     };
 

@@ -19,12 +19,16 @@ constexpr bool IsAscii(std::string_view text) {
     return true;
 }
 
-// The text without the blanks, tabs and line ends around it.
+// A blank, a tab or an end of a line.
+constexpr bool IsBlank(char character) {
+    return character == ' ' || (character >= '\t' && character <= '\r');
+}
+
+// The text without the blanks around it.
 constexpr std::string_view Trimmed(std::string_view text) {
-    constexpr std::string_view kBlanks = " \t\r\n\v\f";
-    const size_t first = text.find_first_not_of(kBlanks);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+    while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
+    while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
+    return text;
 }
 
 inline std::string UpperCased(std::string_view text) {

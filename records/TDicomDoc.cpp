@@ -89,14 +89,15 @@ TDicomFile* TDicomDoc::GetDicomFile() {
 }
 
 std::string TDicomDoc::GetFilePath() {
-    if (IsAsStored()) return FindStoredFile(PeekText(Tags::kReferencedFileID, TFileSpec::kPathSize));
+    if (IsAsStored()) {
+        const auto fileID = PeekText(Tags::kReferencedFileID, TFileSpec::kPathSize);
+        return fileID ? FindStoredFile(*fileID) : std::string();
+    }
     const TDicomFile* const file = GetDicomFile();
     return file == nullptr ? std::string() : file->GetFileSpec()->fPath;
 }
 
-std::string TDicomDoc::FindStoredFile(const std::optional<std::string>& fileID) const {
-    return fileID ? fPlaces->Find(*fileID).fPath : std::string();
-}
+std::string TDicomDoc::FindStoredFile(std::string_view fileID) const { return fPlaces->Find(fileID).fPath; }
 
 void TDicomDoc::SetParentObj(TDicomDoc* parent) {
     fParent = parent;
@@ -290,25 +291,21 @@ void TDicomDoc::NoteIdentity() {
 
 std::optional<std::string> TDicomDoc::PeekText(Tag tag, uint32_t limit) const {
     char value[TFileSpec::kPathSize];
-    uint32_t length = 0;
-    VrCode vr = 0;
-    limit = std::min<uint32_t>(limit, sizeof(value));
-    if (!ViewRecord().FindElement(tag, &vr, &length, value, limit)) return std::nullopt;
-    return MakeText({value, std::min(length, limit)}, vr, length < limit);
+    TDicomDataSet::Wanted wanted{tag, value, std::min<uint32_t>(limit, sizeof(value))};
+    wanted.fIsFound =
+        ViewRecord().FindElement(tag, &wanted.fVr, &wanted.fLength, wanted.fValue, wanted.fCapacity);
+    if (!wanted.fIsFound) return std::nullopt;
+    return std::string(FinishText(wanted));
 }
 
-std::string TDicomDoc::MakeText(std::string_view value, VrCode vr, bool isWhole) {
-    std::string text(value);
-    if (text.size() % 2 != 0 && isWhole && vr != Vr::kUI) text += ' ';
-    text.resize(std::min(text.find('\0'), text.size()));
-    return vr == Vr::kCS ? Platform::UpperCased(text) : text;
-}
-
-std::optional<std::string> TDicomDoc::TextOf(const TDicomDataSet::Wanted& element) {
-    if (!element.fIsFound) return std::nullopt;
-    const uint32_t length = std::min(element.fLength, element.fCapacity);
-    return MakeText({static_cast<const char*>(element.fValue), length}, element.fVr,
-                    element.fLength < element.fCapacity);
+std::string_view TDicomDoc::FinishText(const TDicomDataSet::Wanted& element) {
+    if (!element.fIsFound) return {};
+    char* const value = static_cast<char*>(element.fValue);
+    uint32_t length = std::min(element.fLength, element.fCapacity);
+    if (length % 2 != 0 && length < element.fCapacity && element.fVr != Vr::kUI) value[length++] = ' ';
+    const std::string_view text(value, length);
+    if (element.fVr == Vr::kCS) std::transform(value, value + length, value, Platform::UpperCase);
+    return text.substr(0, text.find('\0'));
 }
 
 std::string TDicomDoc::PeekHostText(Tag tag) const {

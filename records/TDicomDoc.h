@@ -204,17 +204,15 @@ class TDicomDoc : public TIODSource {
     // Up to `limit` bytes of a text, as GetText gives them, from the record as it is stored.
     std::optional<std::string> PeekText(Tag tag, uint32_t limit = kLongestText) const;
 
-    // The text of a stored value as it is once a data set is made of the record: odd lengths are made even,
-    // unless the buffer was too small for the value, and code strings are in upper case.
-    static std::string MakeText(std::string_view value, VrCode vr, bool isWhole);
+    // The text of an element that was looked for in the stored record, made in its buffer what it is once a
+    // data set is made of the record: odd lengths are made even, as far as there is room, and code strings
+    // are in upper case. Empty when it was not found.
+    static std::string_view FinishText(const TDicomDataSet::Wanted& element);
 
-    // The text of an element that was looked for in the stored record; none when it was not found.
-    static std::optional<std::string> TextOf(const TDicomDataSet::Wanted& element);
-
-    // While nobody has asked for the record's data set or file: true, and the path of the file that is named
-    // by this file ID.
+    // True while nobody has asked for the record's data set or file; and the path of the file that is named
+    // by this file ID then.
     bool IsAsStored() const { return !fStored.IsEmpty() && fPlaces != nullptr; }
-    std::string FindStoredFile(const std::optional<std::string>& fileID) const;
+    std::string FindStoredFile(std::string_view fileID) const;
 
     // PeekText as hosts see it.
     std::string PeekHostText(Tag tag) const;

@@ -65,17 +65,17 @@ TImageOutline TImageDoc::GetOutline() {
         {Tags::kInstanceNumber, number, kLongestImageNumberRead}};
     TImageOutline outline;
     if (!IsAsStored() || !ViewRecord().FindElements(wanted)) {
-        GetSOPClassUID(outline.fSOPClassUID.fText);
-        GetSOPInstanceUID(outline.fSOPInstanceUID.fText);
+        outline.fSOPClassUID = PeekText(Tags::kReferencedSOPClassUIDInFile).value_or("");
+        outline.fSOPInstanceUID = PeekText(Tags::kReferencedSOPInstanceUIDInFile).value_or("");
         outline.fImageNumber = GetImageNumber();
         outline.fFilePath = GetFilePath();
         return outline;
     }
     const auto& [file, classUID, instanceUID, imageNumber] = wanted;
-    outline.fSOPClassUID.Set(TextOf(classUID).value_or("").c_str());
-    outline.fSOPInstanceUID.Set(TextOf(instanceUID).value_or("").c_str());
+    outline.fSOPClassUID = FinishText(classUID);
+    outline.fSOPInstanceUID = FinishText(instanceUID);
     outline.fImageNumber = imageNumber.fIsFound ? TTextUtil().ReadInteger(number).value_or(0) : 0;
-    outline.fFilePath = FindStoredFile(TextOf(file));
+    if (file.fIsFound) outline.fFilePath = FindStoredFile(FinishText(file));
     return outline;
 }
 

@@ -8,8 +8,8 @@ namespace Vantor {
 
 // What a list shows of an image: its UIDs, "" when absent, its number and the full path of its file.
 struct TImageOutline {
-    TUidText fSOPClassUID;
-    TUidText fSOPInstanceUID;
+    std::string fSOPClassUID;
+    std::string fSOPInstanceUID;
     int32_t fImageNumber = 0;
     std::string fFilePath;
 };

@@ -25,7 +25,7 @@ void ImageDirRec::UpdateFields(TImageDoc* image) {
 }
 
 void ImageDirRec::TakeFields(const TImageOutline& image, const Ancestors& ancestors) {
-    TakeTexts(ReadBytes(image.fSOPInstanceUID.fText), ReadBytes(image.fSOPClassUID.fText), ancestors);
+    TakeTexts(ReadBytes(image.fSOPInstanceUID), ReadBytes(image.fSOPClassUID), ancestors);
     fImageNumber = image.fImageNumber;
     fImagePath = ReadBytes(image.fFilePath);
 }

@@ -161,8 +161,8 @@ TEST_F(DocIndexTest, OutlinesOfImagesAreWhatTheirGettersGive) {
             image->GetSOPClassUID(uids[0].fText);
             image->GetSOPInstanceUID(uids[1].fText);
             const TImageOutline outline = same->GetOutline();
-            EXPECT_STREQ(outline.fSOPClassUID.fText, uids[0].fText);
-            EXPECT_STREQ(outline.fSOPInstanceUID.fText, uids[1].fText);
+            EXPECT_EQ(outline.fSOPClassUID, uids[0].fText);
+            EXPECT_EQ(outline.fSOPInstanceUID, uids[1].fText);
             EXPECT_EQ(outline.fImageNumber, image->GetImageNumber());
             const TDicomFile* const file = image->GetDicomFile();
             const std::string path = file == nullptr ? "" : file->GetFileSpec()->fPath;
