@@ -53,11 +53,6 @@ std::shared_ptr<DicomDirectory> Directories::Create(const std::filesystem::path&
 
 bool HasDicomdir(const DicomDirectory& directory) { return !directory.IsFolder() || directory.HasDICOMDIR(); }
 
-bool IsFolder(const std::filesystem::path& path) {
-    std::error_code ignored;
-    return std::filesystem::is_directory(path, ignored);
-}
-
 void RequireNoDicomdir(const std::filesystem::path& folder, const char* advice) {
     const std::filesystem::path dicomdir = FindDicomdir(folder);
     if (!dicomdir.empty())

@@ -42,9 +42,6 @@ bool HasDicomdir(const DicomDirectory& directory);
 // What scripts call that.
 inline const char* KindOf(bool hasDicomdir) { return hasDicomdir ? "dicomdir" : "folder"; }
 
-// True when the path names an existing folder.
-bool IsFolder(const std::filesystem::path& path);
-
 // Ends the command when there is a DICOMDIR in the folder. `advice` tells what to do then.
 void RequireNoDicomdir(const std::filesystem::path& folder, const char* advice);
 

@@ -13,6 +13,7 @@
 
 #include "cli/Console.h"
 #include "cli/Failure.h"
+#include "cli/Paths.h"
 #include "cli/Text.h"
 #include "platform/CodePage.h"
 #include "wrappers/DicomFileInfo.h"
@@ -105,7 +106,8 @@ ExitStatus DumpCommand::Run(Console& console) {
     const HostString dictionaryPath = Vantor::Platform::ToHostText(fDictionaryFile);
     std::string dictionary;
     if (!fDictionaryFile.empty()) {
-        const auto failure = FailureOf(dictionaryPath, [&] { dictionary = ReadDictionary(dictionaryPath); });
+        const auto failure =
+            FailureOf(dictionaryPath, [&] { dictionary = ReadDictionary(ToPath(dictionaryPath)); });
         if (failure) {
             console.Report(ToPrintable(dictionaryPath) + ": " + *failure);
             return ExitStatus::kFailed;

@@ -52,7 +52,7 @@ EnteredFiles::EnteredFiles(VantorWrappers::DicomDirectory& directory,
         if (directory.AddFile(path, reason)) {
             fEntered.push_back(path);
         } else {
-            AddSkipped(path, WhyNotEntered(file, directory.GetRootPath(), reason));
+            AddSkipped(path, WhyNotEntered(file, ToPath(directory.GetRootPath()), reason));
         }
         progress.SetDone(++done);
     }

@@ -1,13 +1,12 @@
 #include "cli/Failure.h"
 
 #include <exception>
-#include <filesystem>
 #include <memory>
 #include <new>
 #include <string_view>
-#include <system_error>
 
 #include "cli/Console.h"
+#include "cli/Paths.h"
 #include "cli/Text.h"
 #include "dicom/TException.h"
 #include "platform/CodePage.h"
@@ -16,11 +15,6 @@
 namespace VantorCli {
 
 namespace {
-
-bool IsFolder(const VantorWrappers::HostString& path) {
-    std::error_code ignored;
-    return std::filesystem::is_directory(path, ignored);
-}
 
 // File errors name the file that the work was on, or what was read of it, such as "image data".
 std::string ReasonOf(const Vantor::Platform::FileException& error, const std::string& path) {
@@ -42,7 +36,7 @@ std::optional<std::string> FailureOf(const VantorWrappers::HostString& path,
         const std::unique_ptr<Vantor::TException> error(thrown);
         return ToPrintable(error->GetErrorText());
     } catch (const Vantor::Platform::FileException& error) {
-        if (IsFolder(path)) return "this is a folder, not a file";
+        if (IsFolder(ToPath(path))) return "this is a folder, not a file";
         return ToPrintable(ReasonOf(error, Vantor::Platform::FromHostText(path)));
     } catch (const std::bad_alloc&) {
         return "not enough memory";

@@ -26,6 +26,25 @@ HostString FromNative(const Text& path) {
     }
 }
 
+template <typename Text>
+Text ToNative(const HostString& text) {
+    if constexpr (std::is_same_v<Text, HostString>) {
+        return text;
+    } else {
+        return Vantor::Platform::FromHostText(text);
+    }
+}
+
+// Where paths are 8-bit text, bytes that are no text name files as well.
+template <typename Text>
+Text FromArgument(const std::string& argument) {
+    if constexpr (std::is_same_v<Text, HostString>) {
+        return Vantor::Platform::ToHostText(argument);
+    } else {
+        return argument;
+    }
+}
+
 bool IsCalledDicomdir(const fs::path& path) {
     const HostString name = ToHostText(path.filename());
     return std::equal(
@@ -65,9 +84,12 @@ void AddBelow(const fs::path& folder, FolderContent& content) {
 
 fs::path ToAbsolutePath(const std::string& argument) {
     std::error_code ignored;  // of the empty path, which stays empty
-    const fs::path path = fs::absolute(Vantor::Platform::ToHostText(argument), ignored).lexically_normal();
+    const fs::path path =
+        fs::absolute(FromArgument<fs::path::string_type>(argument), ignored).lexically_normal();
     return path.has_filename() || !path.has_relative_path() ? path : path.parent_path();
 }
+
+fs::path ToPath(const HostString& text) { return ToNative<fs::path::string_type>(text); }
 
 HostString ToHostText(const fs::path& path) { return FromNative(path.native()); }
 
@@ -77,6 +99,11 @@ HostString RelativeTo(const HostString& folder, const HostString& path) {
     const bool isBelow = start != HostString::npos &&
                          (start > folder.size() || folder.find_last_of(L"/\\") + 1 == folder.size());
     return isBelow ? path.substr(start) : path;
+}
+
+bool IsFolder(const fs::path& path) {
+    std::error_code ignored;
+    return fs::is_directory(path, ignored);
 }
 
 fs::path FindDicomdir(const fs::path& folder) {

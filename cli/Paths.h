@@ -11,10 +11,16 @@ namespace VantorCli {
 // A path of the command line: absolute, without "." and "..", and without a separator at its end.
 std::filesystem::path ToAbsolutePath(const std::string& argument);
 
+// The path that a text of the library names, and back. Other ways to make a path of wide text fail for what
+// is not ASCII.
+std::filesystem::path ToPath(const HostString& text);
 HostString ToHostText(const std::filesystem::path& path);
 
 // A path below a folder as it is from there; any other stays as it is.
 HostString RelativeTo(const HostString& folder, const HostString& path);
+
+// True when the path names an existing folder.
+bool IsFolder(const std::filesystem::path& path);
 
 // What is called DICOMDIR in a folder, in upper or lower case; empty when nothing is.
 std::filesystem::path FindDicomdir(const std::filesystem::path& folder);

@@ -391,7 +391,7 @@ DocIndex& TDicomDirectory::GetHostIndex(int32_t docType) {
 
 template <typename T>
 T* TDicomDirectory::FindByHostKey(const std::string& key) {
-    const auto hasKey = [&key](const TDicomDoc& doc) { return doc.GetHostKey() == key; };
+    const auto hasKey = [&](const TDicomDoc& doc) { return doc.GetHostKey() == key && IsInTree(doc); };
     return static_cast<T*>(GetHostIndex(T::kDocType).Find(key, hasKey));
 }
 

@@ -130,9 +130,12 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     // What is below a document is not copied. `error` is 0.
     TDicomDoc* FindOrCreateDoc(TDicomDoc* doc, int32_t& error);
 
-    // Documents as hosts name them: the first one of the list that has these texts, which are as
-    // Platform::FromHostText gives them; null when there is none. Without regard to blanks around a patient's
-    // name and number and to carets at the end of the name.
+    // False for a document that is still listed although what it was below has been taken out or destroyed.
+    bool IsInTree(const TDicomDoc& doc);
+
+    // Documents as hosts name them: the first one of the list that is in the tree and has these texts, which
+    // are as Platform::FromHostText gives them; null when there is none. Without regard to blanks around a
+    // patient's name and number and to carets at the end of the name.
     TPatientDoc* FindPatient(std::string_view name, std::string_view number);
     TStudyDoc* FindStudy(std::string_view uid);
     TSeriesDoc* FindSeries(std::string_view uid);
@@ -317,7 +320,6 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     void ForIndexesOf(int32_t docType, Action action);
     void ForgetIndexes();
     bool HasDoc(const TDicomDoc* doc);
-    bool IsInTree(const TDicomDoc& doc);
     class OldContent;
     void ReadContent();
     bool ReadAgain(Platform::FileAccess access);

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "dicom/Attempt.h"
+#include "dicom/TException.h"
 #include "directory/MediaPlaces.h"
 #include "platform/FileException.h"
 #include "platform/FileSystem.h"
@@ -135,6 +136,9 @@ void TFolderDirectory::CreateDICOMDIR() {
     if (!TFileSpec::FitsPath(path)) {
         throw Platform::FileException(Platform::FileException::Cause::kBadPath, 0, path);
     }
+    // One that another program has made since, or that a single file is beside.
+    const bool isForeign = GetFullPath() != path && Platform::PathExists(path);
+    if (isForeign) throw new TException(ErrorNumbers::kRecordStructure, "another DICOMDIR is there");
     *GetFileSpec() = TFileSpec(path);
     try {
         CreateEmptyDICOMDIR();

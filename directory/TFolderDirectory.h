@@ -61,8 +61,8 @@ class TFolderDirectory final : public TDicomDirectory {
     std::string GetImageFolderFullPath() const { return GetImageFolder(); }
 
     // Writes a new, empty DICOMDIR with the File-set ID into the folder. The documents stay, and
-    // WriteDICOMDIR enters them. Throws FileException; the folder is then without a DICOMDIR of this
-    // object's, as before.
+    // WriteDICOMDIR enters them. Throws FileException, and TException 102 when there is one that is not this
+    // object's; the folder is then without a DICOMDIR of this object's, as before.
     void CreateDICOMDIR();
 
   protected:

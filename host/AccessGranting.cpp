@@ -13,13 +13,13 @@ namespace {
 using GrantHook = Hook<void(const std::wstring&)>;
 
 GrantHook& FileHook() {
-    static GrantHook hook(
+    static GrantHook& hook = *new GrantHook(
         [](const std::wstring& path) { Vantor::Platform::ShareFile(Vantor::Platform::FromHostText(path)); });
     return hook;
 }
 
 GrantHook& FolderHook() {
-    static GrantHook hook([](const std::wstring& path) {
+    static GrantHook& hook = *new GrantHook([](const std::wstring& path) {
         Vantor::Platform::ShareFolder(Vantor::Platform::FromHostText(path));
     });
     return hook;

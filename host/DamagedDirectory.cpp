@@ -20,13 +20,14 @@ void ShowAndEnd(const std::wstring& message) {
 }
 
 Hook<void(const std::wstring&)>& DamageHook() {
-    static Hook<void(const std::wstring&)> hook(ShowAndEnd);
+    static Hook<void(const std::wstring&)>& hook = *new Hook<void(const std::wstring&)>(ShowAndEnd);
     return hook;
 }
 
 // A function rather than a text, as for everything else that hosts replace.
 Hook<std::wstring()>& ContactHook() {
-    static Hook<std::wstring()> hook([] { return std::wstring(L"your system administrator"); });
+    static Hook<std::wstring()>& hook =
+        *new Hook<std::wstring()>([] { return std::wstring(L"your system administrator"); });
     return hook;
 }
 

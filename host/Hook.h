@@ -11,7 +11,8 @@ template <typename Signature>
 class Hook;
 
 // A piece of work that the library does its own way unless the host has another. One for the process; may be
-// replaced and called from any thread.
+// replaced and called from any thread. Hooks are never destroyed: a host's own objects may use the library
+// until the process ends.
 template <typename Result, typename... Arguments>
 class Hook<Result(Arguments...)> {
   public:

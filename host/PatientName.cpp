@@ -57,7 +57,8 @@ std::wstring FormatName(const std::wstring& dicomName) {
 }
 
 Hook<std::wstring(const std::wstring&)>& NameHook() {
-    static Hook<std::wstring(const std::wstring&)> hook(FormatName);
+    static Hook<std::wstring(const std::wstring&)>& hook =
+        *new Hook<std::wstring(const std::wstring&)>(FormatName);
     return hook;
 }
 

@@ -16,7 +16,8 @@ std::wstring FormatAsUserChose(std::chrono::year_month_day date) {
 }
 
 Hook<std::wstring(std::chrono::year_month_day)>& DateHook() {
-    static Hook<std::wstring(std::chrono::year_month_day)> hook(FormatAsUserChose);
+    static Hook<std::wstring(std::chrono::year_month_day)>& hook =
+        *new Hook<std::wstring(std::chrono::year_month_day)>(FormatAsUserChose);
     return hook;
 }
 

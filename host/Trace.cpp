@@ -18,7 +18,8 @@ constexpr int kOff = static_cast<int>(TraceLevel::kError) - 1;
 class Switchboard {
   public:
     static Switchboard& Get() {
-        static Switchboard switchboard;
+        // Never destroyed: a host's own objects may use the library until the process ends.
+        static Switchboard& switchboard = *new Switchboard;
         return switchboard;
     }
 

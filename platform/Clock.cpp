@@ -22,8 +22,8 @@ class SystemClock : public Clock {
 };
 
 Clock*& CurrentClock() {
-    static SystemClock systemClock;
-    static Clock* current = &systemClock;
+    // Never destroyed: a host's own objects may use the library until the process ends.
+    static Clock* current = new SystemClock;
     return current;
 }
 

@@ -1,8 +1,11 @@
 #include "wrappers/DicomDirectory.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string_view>
 #include <utility>
 
+#include "dicom/TException.h"
 #include "dicom/Uids.h"
 #include "directory/TFolderDirectory.h"
 #include "host/AccessGranting.h"
@@ -140,6 +143,16 @@ bool DicomDirectory::IsValid() const {
 
 // ---- Records ----
 
+// Without those that were left over when what they were below was taken out: nothing of them would be
+// written.
+template <typename Doc>
+std::vector<Doc*> DicomDirectory::InTree(const Vantor::TListOf<Doc>& docs) const {
+    std::vector<Doc*> present;
+    std::copy_if(docs.begin(), docs.end(), std::back_inserter(present),
+                 [this](const Doc* doc) { return fUmDicomDirectory->IsInTree(*doc); });
+    return present;
+}
+
 void DicomDirectory::UpdateManagedLists() {
     if (fUmDicomDirectory == nullptr) return;
     for (Vantor::TStudyDoc* study : *fUmDicomDirectory->GetStudyDocs()) {
@@ -149,8 +162,8 @@ void DicomDirectory::UpdateManagedLists() {
         fUmDicomDirectory->SortImagesByNumber(series);
     }
     const bool hasPatients = FillList(fPatientList, *fUmDicomDirectory->GetPatientDocs(), *this);
-    const bool hasStudies = FillList(fStudyList, *fUmDicomDirectory->GetStudyDocs(), *this);
-    const bool hasSeries = FillList(fSeriesList, *fUmDicomDirectory->GetSeriesDocs(), *this);
+    const bool hasStudies = FillList(fStudyList, InTree(*fUmDicomDirectory->GetStudyDocs()), *this);
+    const bool hasSeries = FillList(fSeriesList, InTree(*fUmDicomDirectory->GetSeriesDocs()), *this);
     fWrapperIsCurrent = hasPatients && hasStudies && hasSeries;
 }
 
@@ -212,6 +225,7 @@ TFolderDirectory* DicomDirectory::GetFolder() const {
 
 // Notes how an operation that writes ended.
 void DicomDirectory::Write(const std::function<void()>& operation) {
+    const auto kept = weak_from_this().lock();  // who grants access may let go of it
     fError = LuminaError();
     const auto failure = FailureOf(operation);
     if (!failure) return;
@@ -258,7 +272,7 @@ void DicomDirectory::WriteDirectory() {
 }
 
 void DicomDirectory::CloseFile() {
-    if (IsValid()) fUmDicomDirectory->CloseFile();
+    if (fUmDicomDirectory != nullptr) fUmDicomDirectory->CloseFile();
 }
 
 void DicomDirectory::CreateDICOMDIR() {
@@ -275,6 +289,7 @@ void DicomDirectory::CreateDICOMDIR() {
 
 void DicomDirectory::CreateImageFolder(const HostString& name) {
     if (!IsValid() || !IsFolder()) return;
+    const auto kept = weak_from_this().lock();
     const auto failure = FailureOf([&] {
         GetFolder()->CreateImageFolder(FromHostText(name));
         VantorHost::AccessGranting::SetDirectoryAccess(GetImageFolderFullPath());
@@ -305,6 +320,9 @@ LuminaError DicomDirectory::CopySeries(const SeriesDirRec& series) {
         fCopySeriesEventArgs.SetTotalBytesInSeries(totalKB);
         try {
             eCopySeriesProgress.Raise(fCopySeriesEventArgs);
+        } catch (Vantor::TException* thrown) {
+            std::unique_ptr<Vantor::TException> error(thrown);
+            if (fUmDicomDirectory != nullptr) throw error.release();
         } catch (...) {
             if (fUmDicomDirectory != nullptr) throw;  // else nothing is left that the failure could concern
         }

@@ -20,6 +20,8 @@
 namespace Vantor {
 class TDicomDirectory;
 class TFolderDirectory;
+template <typename T>
+class TListOf;
 class TImageDoc;
 class TPatientDoc;
 class TRawDataDoc;
@@ -132,7 +134,8 @@ class DicomDirectory : public Linked<DicomDirectory>, public std::enable_shared_
     // Writes the records into the DICOMDIR, as Save, unless another program has changed it.
     void WriteDirectory();
 
-    // Gives up an update: closes the DICOMDIR. The records stay as they are.
+    // Gives up an update: closes the DICOMDIR, also that of a directory which has been dropped. The records
+    // stay as they are.
     void CloseFile();
 
     // Makes a new, empty DICOMDIR with the directory's name on disk, which others may change too. The records
@@ -154,7 +157,8 @@ class DicomDirectory : public Linked<DicomDirectory>, public std::enable_shared_
     //     (Fatal, CopySeriesDestMissing)           when the folder for it is not there
     //     (Fatal, CopySeriesDirUpdateFailure)      the DICOMDIR could not be opened or written; the files are
     //                                              copied
-    // The first of several failures counts. What was copied stays on disk.
+    // The first of several failures counts. What was copied stays on disk. A source file that is missing or
+    // cannot be read is passed by: its image is entered as one whose file was not copied.
     LuminaError CopySeries(const SeriesDirRec& series);
 
     // Deletes a series with its files, and the study and the patient that are empty then. Success when there
@@ -240,6 +244,8 @@ class DicomDirectory : public Linked<DicomDirectory>, public std::enable_shared_
     void TakeDriveType();
     void ReportDamage(const HostString& path);
     void UpdateManagedLists();
+    template <typename Doc>
+    std::vector<Doc*> InTree(const Vantor::TListOf<Doc>& docs) const;
     Vantor::TFolderDirectory* GetFolder() const;
     void Write(const std::function<void()>& operation);
     static bool CanWriteInto(const std::string& folder);

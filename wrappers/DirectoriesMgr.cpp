@@ -82,8 +82,9 @@ template <typename Predicate>
 std::shared_ptr<DicomDirectory> FindIn(const DirectoriesMgr::DirectoryList& first,
                                        const DirectoriesMgr::DirectoryList& second, Predicate predicate) {
     for (const auto* const list : {&first, &second}) {
-        const auto found = std::find_if(list->begin(), list->end(),
-                                        [&](const auto& directory) { return predicate(*directory); });
+        const auto found = std::find_if(list->begin(), list->end(), [&](const auto& directory) {
+            return directory->GetUmDirectory() != nullptr && predicate(*directory);
+        });
         if (found != list->end()) return *found;
     }
     return nullptr;
@@ -317,9 +318,11 @@ std::shared_ptr<DicomDirectory> DirectoriesMgr::CreateOrReplaceDirectory(const H
 
 // Takes a directory out of its list; it is not valid from now on.
 bool DirectoriesMgr::Drop(const std::shared_ptr<DicomDirectory>& directory) {
+    if (directory == nullptr) return false;
     for (auto* const choice : {&fCurrentReadDirectory, &fCurrentWriteDirectory}) {
         if (*choice == directory) choice->reset();
     }
+    directory->CloseFile();  // what is not valid cannot be saved
     const bool isDropped = std::erase(fDirList, directory) > 0;
     return isDropped || std::erase(fFolderDirList, directory) > 0;
 }

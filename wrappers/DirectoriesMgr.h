@@ -21,7 +21,8 @@ namespace VantorWrappers {
 // it may go on holding it.
 //
 // What is remembered is in the current user's registry (see docs/registry.md). Nothing is thrown but what
-// the host's own hooks throw (host/). One thread at a time.
+// the host's own hooks throw (host/); these must not destroy
+// the manager. One thread at a time.
 class DirectoriesMgr : public Linked<DirectoriesMgr> {
   public:
     using DirectoryList = std::vector<std::shared_ptr<DicomDirectory>>;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 #include <string>
@@ -27,6 +28,7 @@ std::optional<HostString> ChangeRecord(Doc* doc, const char* warning, const Host
         return std::nullopt;
     }
     std::string bytes = Vantor::Platform::FromHostText(Trimmed(text));
+    bytes.resize(std::min(bytes.find('\0'), bytes.size()));
     bytes.resize(Vantor::Platform::CutPosition(bytes, Vantor::TDicomDoc::kLongestText));
     const auto failure = FailureOf([&] { (doc->*setter)(bytes.c_str()); });
     if (!failure) return Trimmed(Vantor::Platform::ToHostText(bytes));

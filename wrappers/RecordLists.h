@@ -1,29 +1,34 @@
 #pragma once
 
+#include <iterator>
 #include <vector>
 
-#include "records/TListOf.h"
 #include "wrappers/Boundary.h"
 #include "wrappers/DicomDirectory.h"
 
 namespace VantorWrappers {
 
 // Empties a host's list and has `append` put a record object into it for each native document. False when one
-// cannot be made; the list is short then, and the trace has a line.
-template <typename Rec, typename Doc, typename Append>
-bool FillListWith(std::vector<Rec>& list, const Vantor::TListOf<Doc>& docs, Append append) {
-    list.clear();
+// cannot be made; the list is short then, and the trace has a line. The host's hooks may look at the list
+// meanwhile.
+template <typename Rec, typename Docs, typename Append>
+bool FillListWith(std::vector<Rec>& list, const Docs& docs, Append append) {
+    std::vector<Rec> filled;
+    filled.swap(list);  // with its room
+    filled.clear();
     const auto failure = FailureOf([&] {
-        list.reserve(static_cast<size_t>(docs.GetCount()));
-        for (Doc* doc : docs) append(doc);
+        filled.reserve(static_cast<size_t>(std::distance(docs.begin(), docs.end())));
+        for (auto* doc : docs) append(filled, doc);
     });
+    list.swap(filled);
     if (failure) TraceError(*failure);
     return !failure;
 }
 
-template <typename Rec, typename Doc>
-bool FillList(std::vector<Rec>& list, const Vantor::TListOf<Doc>& docs, DicomDirectory& directory) {
-    return FillListWith(list, docs, [&](Doc* doc) { list.emplace_back(doc, directory); });
+template <typename Rec, typename Docs>
+bool FillList(std::vector<Rec>& list, const Docs& docs, DicomDirectory& directory) {
+    return FillListWith(list, docs,
+                        [&](std::vector<Rec>& filled, auto* doc) { filled.emplace_back(doc, directory); });
 }
 
 }  // namespace VantorWrappers

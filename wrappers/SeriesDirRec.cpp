@@ -69,9 +69,10 @@ void SeriesDirRec::GetImages(std::vector<ImageDirRec>& list) const {
     if (series == nullptr) return;
     // Of a large loop collection most of the time would go into looking up the same patient.
     const InstanceDirRec::Ancestors ancestors(series);
-    FillListWith(list, *series->GetImageDocs(), [&](Vantor::TImageDoc* image) {
-        list.emplace_back(*image, *GetDicomDirectory(), ancestors);
-    });
+    FillListWith(list, *series->GetImageDocs(),
+                 [&](std::vector<ImageDirRec>& filled, Vantor::TImageDoc* image) {
+                     filled.emplace_back(*image, *GetDicomDirectory(), ancestors);
+                 });
 }
 
 void SeriesDirRec::GetSRs(std::vector<StructReportDirRec>& list) const {

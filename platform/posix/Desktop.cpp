@@ -38,7 +38,7 @@ tm CalendarDay(int year, int month, int day) {
 
 std::wstring FormatShortDate(int year, int month, int day) {
     constexpr size_t kLongest = 256;
-    static const Locale locale = UsersLocale();
+    static const Locale& locale = *new Locale(UsersLocale());  // never destroyed: see platform/Clock.cpp
     const tm date = CalendarDay(year, month, day);
     std::array<char, kLongest> text = {};
     const size_t length = strftime_l(text.data(), text.size(), "%x", &date, locale.get());

@@ -120,7 +120,7 @@ class MountedVolumes final : public Volumes {
 }  // namespace
 
 Volumes& Volumes::OfSystem() {
-    static MountedVolumes volumes;
+    static MountedVolumes& volumes = *new MountedVolumes;  // never destroyed: see Clock.cpp
     return volumes;
 }
 

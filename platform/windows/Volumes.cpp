@@ -72,7 +72,7 @@ class DriveVolumes final : public Volumes {
 }  // namespace
 
 Volumes& Volumes::OfSystem() {
-    static DriveVolumes volumes;
+    static DriveVolumes& volumes = *new DriveVolumes;  // never destroyed: see Clock.cpp
     return volumes;
 }
 

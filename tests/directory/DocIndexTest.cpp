@@ -63,13 +63,14 @@ class DocIndexTest : public testing::Test {
         return docs;
     }
     // What hangs below a document that has been taken out, or is gone, does not count.
+    static bool Counts(const Docs& docs, const TDicomDoc* doc) {
+        while (doc->GetParentObj() != nullptr) doc = doc->GetParentObj();
+        return std::find(docs.begin(), docs.end(), doc) != docs.end() && !doc->HasOutlivedParent();
+    }
     static TDicomDoc* Walk(const Docs& docs, TDicomDoc* wanted) {
-        const auto counts = [&docs](const TDicomDoc* doc) {
-            while (doc->GetParentObj() != nullptr) doc = doc->GetParentObj();
-            return std::find(docs.begin(), docs.end(), doc) != docs.end() && !doc->HasOutlivedParent();
-        };
         const auto found = std::find_if(docs.begin(), docs.end(), [&](TDicomDoc* doc) {
-            return doc->GetDocType() == wanted->GetDocType() && doc->IsSameRecord(wanted) && counts(doc);
+            return doc->GetDocType() == wanted->GetDocType() && doc->IsSameRecord(wanted) &&
+                   Counts(docs, doc);
         });
         return found == docs.end() ? nullptr : *found;
     }
@@ -81,7 +82,7 @@ class DocIndexTest : public testing::Test {
             if (auto* const series = dynamic_cast<TSeriesDoc*>(doc)) series->GetSeriesUID(text, kTextSize);
             if (dynamic_cast<TImageDoc*>(doc) != nullptr) doc->GetSOPInstanceUID(text);
             if (dynamic_cast<TRawDataDoc*>(doc) != nullptr) doc->GetSOPInstanceUID(text);
-            return uid == text;
+            return uid == text && Counts(docs, doc);
         });
         return found == docs.end() ? nullptr : *found;
     }

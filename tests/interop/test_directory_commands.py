@@ -256,6 +256,20 @@ class DirectoryCommandsTest(medium_test.MediumTest):
             seen.add(len(shown))
         self.assertNotEqual(seen, {4}, "none was interrupted in time")
 
+    def test_names_that_are_not_ascii(self):
+        for name in ("Müller", "心電図"):
+            self.make_medium()
+            folder = self.top / name
+            os.rename(self.folder, folder)
+            (folder / "ÜBER").write_bytes(b"no DICOM file")
+            (folder / os.fsdecode(b"c\xe9")).write_bytes(b"a name of old media")
+            with self.subTest(name):
+                self.done("create", folder, "--force", "--name", "A")
+                self.done("tree", folder)
+                self.done("copy", folder, self.top / f"{name} 2", "--all", "--create", "B")
+                run = program.run("add", folder, folder / "ÜBER")
+                self.assertEqual(program.lines(run.stderr), [f"vantor: {folder}/ÜBER: Invalid Dicom File"])
+
     # ---- drives, dirs ----
 
     def test_drives_and_dirs(self):

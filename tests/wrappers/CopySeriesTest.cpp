@@ -203,6 +203,21 @@ TEST_F(CopySeriesTest, HandlersMayLetGoOfEverything) {
     }
 }
 
+// What is left over in a directory whose patients were taken out must not pass for being there.
+TEST_F(CopySeriesTest, OfAndIntoAClearedDirectory) {
+    EXPECT_EQ(Copy(), kSuccess);
+    fDestination->ClearAllDirectoryRecords();
+    EXPECT_EQ(Copy(), kSuccess);
+    ExpectCopied();
+    fSource->ClearAllDirectoryRecords();
+    EXPECT_EQ(fSource->GetStudyList().size() + fSource->GetSeriesList().size(), 0U);
+    const auto files = fFolder.ListFiles();
+    EXPECT_EQ(fSource->DeleteSeries(fSeries), kSuccess);
+    fDestination->ClearAllDirectoryRecords();
+    EXPECT_EQ(Copy(), Fatal(ErrorNumber::CopySeriesFailure));
+    EXPECT_EQ(fFolder.ListFiles(), files);
+}
+
 TEST_F(CopySeriesTest, IntoAFolder) {
     fFolder.MakeFolder("D/EXPORT");
     const auto folder = Open("D/EXPORT");

@@ -99,6 +99,9 @@ TEST_F(DirectoriesMgrTest, KeepsWhatIsBeingUpdated) {
     disc->Save();
     EXPECT_EQ(disc->GetError(), kSuccess);
     EXPECT_EQ(fManager->GetDirList().at(0), disc);
+    ASSERT_TRUE(disc->OpenForUpdating());
+    fManager->DeleteDirectory(disc);
+    EXPECT_TRUE(Open("C/DICOMDIR")->OpenForUpdating()) << "one that is dropped holds nothing";
     disc->Dispose();
     EXPECT_NE(fManager->GetDirList().at(0), disc);
 }
@@ -350,6 +353,11 @@ TEST_F(DirectoriesMgrTest, RepairsADirectoryByEmptyingIt) {
         EXPECT_TRUE(directory->IsValid());
         fManager->SetReadDir(nullptr);
     }
+    // A DICOMDIR that lies beside a single file is not the file's.
+    fFolder.WriteFile("C/ONE", FileOf({}).Build());
+    const Bytes beside = ReadWholeFile(fFolder.PathOf("C/DICOMDIR"));
+    EXPECT_EQ(fManager->RepairDirectory(Open("C/ONE"), L"x"), Fatal(ErrorNumber::RepairFailure));
+    EXPECT_EQ(ReadWholeFile(fFolder.PathOf("C/DICOMDIR")), beside);
     // Without a DICOMDIR its records are those of the files.
     fFolder.WriteFile("D/PLAIN/I1", FileOf({}).Build());
     const auto plain = Open("D/PLAIN");
