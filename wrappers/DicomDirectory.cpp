@@ -114,7 +114,12 @@ void DicomDirectory::CreateNew(const std::string& path, const std::string& fileS
         Uids::kImplementationClass, false);
     TakeDrive(path);
     if (fDriveInfo != nullptr) TakeDriveType();
-    WriteDICOMDIR(*fUmDicomDirectory);
+    try {
+        WriteDICOMDIR(*fUmDicomDirectory);
+    } catch (...) {
+        fUmDicomDirectory->DeleteDiskFile();  // an empty one would pass for damaged the next time
+        throw;
+    }
     VantorHost::AccessGranting::SetFileAccess(ToHostText(GetNativePath()));
 }
 

@@ -5,6 +5,7 @@ the disk is what pydicom and dcmtk read, and what they cannot do is told in one 
 
 import os
 import pathlib
+import resource
 import shutil
 import signal
 import subprocess
@@ -255,6 +256,35 @@ class DirectoryCommandsTest(medium_test.MediumTest):
             self.assertEqual({path: media_tree.instance(path) for path in shown}, shown)
             seen.add(len(shown))
         self.assertNotEqual(seen, {4}, "none was interrupted in time")
+
+    def test_full_disks(self):
+        def limit(size):
+            def fill_disk():  # writing beyond it fails, without a signal
+                signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+                resource.setrlimit(resource.RLIMIT_FSIZE, (size, size))
+            return {"preexec_fn": fill_disk}
+
+        self.make_medium()
+        other, new = self.top / "OTHER", self.top / "NEW"
+        self.assertEqual(self.refusal("copy", self.folder, new, "--all", "--create", "A", **limit(0)),
+                         f"vantor: {new}/DICOMDIR: cannot be written")
+        self.assertFalse((new / "DICOMDIR").exists())
+        self.done("copy", self.folder, other, "--all", "--create", "A")
+        source = self.top / "SOURCE"
+        for number, size in enumerate([100, BIG]):
+            data_set = media_tree.make_data_set(9, number, number, number)
+            data_set.PixelData = bytes(size)
+            media_tree.save(data_set, source / f"I{number}")
+        self.done("create", source)
+        small, large = "1.2.3.9.0.0", "1.2.3.9.1.1"
+        before, full = self.file_set(other), (other / "DICOMDIR").stat().st_size
+        for uid, result in [(small, "CopySeriesDirUpdateFailure"), (large, "CopySeriesVolumeFull")]:
+            run = program.run("copy", source, other, "--series", uid, "--json", **limit(full))
+            self.assertEqual((run.returncode, program.read_json_lines(run.stdout)[0]["result"]), (1, result))
+            self.assertEqual(len(program.lines(run.stderr)), 1)
+            self.assertEqual(self.file_set(other), before)
+        self.done("copy", source, other, "--all")
+        self.assertEqual(len(self.file_set(other)), len(before) + 2)
 
     def test_names_that_are_not_ascii(self):
         for name in ("Müller", "心電図"):
