@@ -84,12 +84,14 @@ class TDicomDataSet {
 
     // An element that FindElements looks for, and what it found of it; the value as FindElement gives it.
     struct Wanted {
+        Wanted(Tag tag, void* value, uint32_t capacity) : fValue(value), fTag(tag), fCapacity(capacity) {}
+
+        void* fValue;
         Tag fTag;
-        void* fValue = nullptr;
-        uint32_t fCapacity = 0;
+        uint32_t fCapacity;
         uint32_t fLength = 0;
-        bool fIsFound = false;
         VrCode fVr = 0;
+        bool fIsFound = false;
     };
 
     // Finds several elements, wanted in ascending order of their tags, in one walk through the whole data

@@ -206,7 +206,7 @@ void DirectoriesMgr::AddFoundDirectories() {
 }
 
 std::shared_ptr<DicomDirectory> DirectoriesMgr::AddToDirList(const HostString& path) {
-    const auto directory = Construct(path, L"", false, true);
+    auto directory = Construct(path, L"", false, true);
     if (directory == nullptr) return nullptr;
     fDirList.push_back(directory);
     directory->SetMarkedToRemember(false);
@@ -316,25 +316,29 @@ std::shared_ptr<DicomDirectory> DirectoriesMgr::CreateOrReplaceDirectory(const H
     return directory;
 }
 
-// Takes a directory out of its list; it is not valid from now on.
+// Takes a directory out of its list; it is not valid from now on. What is given may be a member of the list,
+// or one of the choices.
 bool DirectoriesMgr::Drop(const std::shared_ptr<DicomDirectory>& directory) {
-    if (directory == nullptr) return false;
-    for (auto* const choice : {&fCurrentReadDirectory, &fCurrentWriteDirectory}) {
-        if (*choice == directory) choice->reset();
-    }
+    const DicomDirectory* const dropped = directory.get();
+    if (dropped == nullptr) return false;
     directory->CloseFile();  // what is not valid cannot be saved
-    const bool isDropped = std::erase(fDirList, directory) > 0;
-    return isDropped || std::erase(fFolderDirList, directory) > 0;
+    const auto isDropped = [dropped](const auto& each) { return each.get() == dropped; };
+    const bool wasListed =
+        std::erase_if(fDirList, isDropped) > 0 || std::erase_if(fFolderDirList, isDropped) > 0;
+    for (auto* const choice : {&fCurrentReadDirectory, &fCurrentWriteDirectory}) {
+        if (isDropped(*choice)) choice->reset();
+    }
+    return wasListed;
 }
 
 void DirectoriesMgr::DeleteDirectory(const std::shared_ptr<DicomDirectory>& directory) {
-    const auto kept = directory;  // it may be the one of the list
-    if (Drop(kept) && kept->IsMarkedToRemember()) WriteToRegistry();
+    const bool isRemembered = directory != nullptr && directory->IsMarkedToRemember();
+    if (Drop(directory) && isRemembered) WriteToRegistry();
 }
 
 LuminaError DirectoriesMgr::RepairDirectory(const std::shared_ptr<DicomDirectory>& directory,
                                             const HostString& name) {
-    const auto kept = directory;
+    auto kept = directory;  // which may be one of the choices
     TDicomDirectory* const native = kept == nullptr ? nullptr : kept->GetUmDirectory();
     if (native == nullptr) {
         TraceError("Null repair directory passed in");
@@ -351,7 +355,7 @@ LuminaError DirectoriesMgr::RepairDirectory(const std::shared_ptr<DicomDirectory
     }
     UpdateDirList();
     UpdateFolderDirList();
-    fCurrentReadDirectory = kept;
+    fCurrentReadDirectory = std::move(kept);
     return {};
 }
 
