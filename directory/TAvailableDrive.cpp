@@ -9,7 +9,6 @@ namespace Vantor {
 
 namespace {
 
-using Platform::DriveType;
 using Platform::Volumes;
 
 constexpr char kUnnamed[] = ": (Unnamed)";
@@ -29,8 +28,7 @@ TAvailableDrive::TAvailableDrive(char driveLetter) : fDriveLetter(driveLetter) {
 }
 
 bool TAvailableDrive::IsRemovable() const {
-    return fDriveType == static_cast<int32_t>(DriveType::kRemovable) ||
-           fDriveType == static_cast<int32_t>(DriveType::kCdRom);
+    return Platform::IsRemovable(static_cast<Platform::DriveType>(fDriveType));
 }
 
 }  // namespace Vantor

@@ -20,8 +20,6 @@ constexpr uint32_t kKeptWord = 0xFFFF;
 
 const Platform::PathStyle& Style() { return Platform::PathStyle::OfPlatform(); }
 
-bool IsFile(const std::string& path) { return Platform::PathExists(path) && !Platform::IsFolder(path); }
-
 // The files of a folder without regard to what looks like a full path but leads elsewhere.
 class FolderPlaces final : public MediaPlaces {
   public:
@@ -57,7 +55,7 @@ TFolderDirectory::TFolderDirectory(const std::string& path, const char* director
     const std::string folder = mode == kSingleFile ? std::string(Style().FolderPart(path)) : path;
     SetFolderpath(folder);
     const std::string directoryPath = Style().Join(path, kDirectoryFileName);
-    fHasDICOMDIR = mode != kSingleFile && IsFile(directoryPath);
+    fHasDICOMDIR = mode != kSingleFile && Platform::IsFile(directoryPath);
     const std::string filePath = fHasDICOMDIR ? directoryPath : Style().WithoutLastSeparators(path);
     if (!TFileSpec::FitsPath(filePath)) return;
     *GetFileSpec() = TFileSpec(filePath);

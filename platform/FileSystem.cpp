@@ -26,6 +26,8 @@ void RemoveEntry(const std::string& path, Kind kind) {
 
 }  // namespace
 
+bool IsFile(const std::string& path) { return PathExists(path) && !IsFolder(path); }
+
 void MakeFolderIfMissing(const std::string& path) {
     if (!IsFolder(path)) Succeeds(CreateFolder, path);
 }

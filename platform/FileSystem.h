@@ -22,6 +22,9 @@ bool PathExists(const std::string& path);
 // True when the path names an existing folder.
 bool IsFolder(const std::string& path);
 
+// True when the path names something that exists and is no folder.
+bool IsFile(const std::string& path);
+
 // True when the path names something that is marked as not to be written: by its attribute, or, where there
 // is none, by rights or a medium that do not let this user.
 bool IsReadOnly(const std::string& path);

@@ -18,6 +18,16 @@ enum class DriveType : int32_t {
     kRamDisk = 6,
 };
 
+// True for drives whose medium is taken out.
+constexpr bool IsRemovable(DriveType type) {
+    return type == DriveType::kRemovable || type == DriveType::kCdRom;
+}
+
+// False for drives that can only be read, and those of which nothing is known.
+constexpr bool MayBeWritten(DriveType type) {
+    return type != DriveType::kCdRom && type != DriveType::kUnknown;
+}
+
 // What a volume says of itself.
 struct VolumeInfo {
     std::string fLabel;         // empty without

@@ -41,10 +41,6 @@ constexpr char kNotOpened[] = "Directory open for update failed";
 
 const PathStyle& Style() { return PathStyle::OfPlatform(); }
 
-bool IsFile(const std::string& path) {
-    return Vantor::Platform::PathExists(path) && !Vantor::Platform::IsFolder(path);
-}
-
 }  // namespace
 
 // ---- Opening and creating ----
@@ -107,7 +103,8 @@ void DicomDirectory::OpenFolder(const std::string& path) {
 void DicomDirectory::CreateNew(const std::string& path, const std::string& fileSetName) {
     using namespace Vantor;
     const std::string_view name = Style().LastPart(path);
-    if (IsFile(path) && name.substr(0, name.rfind('.')) == kDirectoryFileName) Platform::RemoveFile(path);
+    if (Vantor::Platform::IsFile(path) && name.substr(0, name.rfind('.')) == kDirectoryFileName)
+        Platform::RemoveFile(path);
     fUmDicomDirectory = std::make_unique<TDicomDirectory>(
         TFileSpec(path), fileSetName.c_str(), TDicomDirectory::kStandardLayout, Uids::kMediaStorageDirectory,
         TDicomUtils().CreateNewStudyUID({}).c_str(), Uids::kExplicitVRLittleEndian,
@@ -135,8 +132,8 @@ void DicomDirectory::TakeDrive(const std::string& path) {
 void DicomDirectory::TakeDriveType() {
     const DriveType type = fDriveInfo->GetType();
     fUmDicomDirectory->SetDriveType(static_cast<int32_t>(type));
-    fUmDicomDirectory->SetRemovable(type == DriveType::kRemovable || type == DriveType::kCdRom);
-    fUmDicomDirectory->SetWritable(type != DriveType::kCdRom && type != DriveType::kUnknown);
+    fUmDicomDirectory->SetRemovable(Vantor::Platform::IsRemovable(type));
+    fUmDicomDirectory->SetWritable(Vantor::Platform::MayBeWritten(type));
 }
 
 bool DicomDirectory::IsValid() const {

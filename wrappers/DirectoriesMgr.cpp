@@ -38,6 +38,8 @@ const PathStyle& Style() { return PathStyle::OfPlatform(); }
 
 bool IsFolder(const HostString& path) { return Vantor::Platform::IsFolder(FromHostText(path)); }
 
+bool IsFile(const HostString& path) { return Vantor::Platform::IsFile(FromHostText(path)); }
+
 bool Exists(const HostString& path) { return Vantor::Platform::PathExists(FromHostText(path)); }
 
 HostString WithoutLastSeparators(const HostString& path) {
@@ -94,8 +96,8 @@ std::shared_ptr<DicomDirectory> FindIn(const DirectoriesMgr::DirectoryList& firs
 void GiveDrive(DicomDirectory& directory, const std::shared_ptr<const DriveInfo>& drive) {
     const DriveType type = drive->GetType();
     directory.SetDriveInfo(drive);
-    if (type == DriveType::kRemovable || type == DriveType::kCdRom) directory.SetRemovable(true);
-    if (type != DriveType::kCdRom && type != DriveType::kUnknown) directory.SetWritable(true);
+    if (Vantor::Platform::IsRemovable(type)) directory.SetRemovable(true);
+    if (Vantor::Platform::MayBeWritten(type)) directory.SetWritable(true);
 }
 
 }  // namespace
@@ -197,8 +199,7 @@ void DirectoriesMgr::AddFoundDirectories() {
     for (const AvailableDrive& drive : std::vector<AvailableDrive>(fAvailableDrivesList)) {
         const HostString path = drive.GetDriveLetter() + kDirectoryFile;
         TraceVerbose(L"Checking DICOM Directory " + path + L" - start");
-        const bool isFile = Exists(path) && !IsFolder(path);
-        if (isFile && FindManagedDirectory(path) == nullptr && AddToDirList(path) != nullptr) {
+        if (IsFile(path) && FindManagedDirectory(path) == nullptr && AddToDirList(path) != nullptr) {
             TraceVerbose(L"Added DICOM Directory " + path + L" to list");
         }
         TraceVerbose(L"Checking DICOM Directory " + path + L" - end");
@@ -286,10 +287,9 @@ std::shared_ptr<DicomDirectory> DirectoriesMgr::FindManagedDirectory(
 std::shared_ptr<DicomDirectory> DirectoriesMgr::OpenDirectory(const HostString& path) {
     const HostString given = WithoutLastSeparators(path);
     const HostString inside = DirectoryFileIn(given);
-    const HostString& file = IsFolder(given) && Exists(inside) && !IsFolder(inside) ? inside : given;
+    const HostString& file = IsFolder(given) && IsFile(inside) ? inside : given;
     if (auto found = FindManagedDirectory(file); found != nullptr) return found;
-    const bool isFile = Exists(file) && !IsFolder(file);
-    if (!isFile || !IsDICOMDIR(file)) return FindOrCreateFolderDirectory(given);
+    if (!IsFile(file) || !IsDICOMDIR(file)) return FindOrCreateFolderDirectory(given);
     auto directory = AddToDirList(file);
     if (directory != nullptr && directory->GetDriveInfo() == nullptr) {
         GiveDrive(*directory, std::make_shared<const DriveInfo>(directory->GetDrive()));

@@ -24,11 +24,9 @@ constexpr Rights kOthers = {S_IROTH, S_IWOTH, S_IXOTH};
 bool GetState(const std::string& path, struct stat& state) { return stat(path.c_str(), &state) == 0; }
 
 // The folder that the path's last component stands in.
-std::string FolderOf(std::string path) {
-    while (path.size() > 1 && path.back() == '/') {
-        path.pop_back();
-    }
-    const std::string folder(PathStyle::OfPlatform().FolderPart(path));
+std::string FolderOf(const std::string& path) {
+    const PathStyle& style = PathStyle::OfPlatform();
+    const std::string folder = style.FolderOf(style.WithoutLastSeparators(path));
     return folder.empty() ? "." : folder;
 }
 
