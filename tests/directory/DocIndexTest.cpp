@@ -5,7 +5,6 @@
 #include <random>
 #include <set>
 
-#include "platform/CodePage.h"
 #include "tests/directory/DirectorySupport.h"
 
 namespace {
@@ -170,24 +169,6 @@ TEST_F(DocIndexTest, OutlinesOfImagesAreWhatTheirGettersGive) {
             EXPECT_EQ(Relative(outline.fFilePath, fFolder), Relative(path, fOtherFolder));
         }
     }
-}
-
-// Hosts give names as people type them, in wide text.
-TEST_F(DocIndexTest, FindsPatientsAsHostsNameThem) {
-    DirectoryBuilder media(Uids::kExplicitVRLittleEndian);
-    const char* const kNames[] = {"DOE^JOHN^^", "DOE^JOHN", "M\xFCller^J ", "doe^john"};
-    for (const char* name : kNames) {
-        const int patient = media.Add(DirectoryBuilder::kRoot, "PATIENT ");
-        media.Keys(patient).Text(Tags::kPatientName, Vr::kPN, name).Text(Tags::kPatientID, Vr::kLO, " 7 ");
-    }
-    const auto directory = Load(fFolder, media.Build());
-    const Docs docs = DocsOf(*directory);
-    EXPECT_EQ(directory->FindPatient(" DOE^JOHN^", "7"), docs[0]);
-    EXPECT_EQ(directory->FindPatient(Platform::AsHostsSee("M\xFCller^J"), "7 "), docs[2]);
-    EXPECT_EQ(directory->FindPatient("doe^john", "7"), docs[3]);
-    EXPECT_EQ(directory->FindPatient("doe^john", "8"), nullptr);
-    static_cast<TPatientDoc*>(docs[0])->SetPatientNumber("8");
-    EXPECT_EQ(directory->FindPatient("DOE^JOHN", "7"), docs[1]);
 }
 
 }  // namespace
