@@ -20,6 +20,8 @@ class ClaimedFile final : public File {
     int64_t GetPosition() override { return fFile->GetPosition(); }
     int64_t GetLength() override { return fFile->GetLength(); }
     void SetLength(int64_t length) override { fFile->SetLength(length); }
+    void Reserve(int64_t length) override { fFile->Reserve(length); }
+    void StartFlush() override { fFile->StartFlush(); }
     void Flush() override { fFile->Flush(); }
     FileMark GetMark() override { return fFile->GetMark(); }
     void Close() override { fFile->Close(); }

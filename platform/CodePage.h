@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,13 @@ namespace Vantor::Platform {
 // neither direction fails.
 std::wstring ToHostText(std::string_view bytes);
 std::string FromHostText(std::wstring_view text);
+
+// The number, as the Windows systems count them, of the code page that FromHostText writes in.
+inline constexpr uint32_t kUtf8CodePage = 65001;
+uint32_t GetNativeCodePage();
+
+// Host text as UTF-8, whatever the code page is.
+std::string ToUtf8(std::wstring_view text);
 
 // The text that FromHostText gives of what ToHostText makes of these bytes: 8-bit texts that hosts take for
 // the same are the same then.

@@ -41,6 +41,14 @@ class File {
     // Cuts the file or extends it with zeros. The position stays.
     virtual void SetLength(int64_t length) = 0;
 
+    // Sets room on the volume aside for a file of that length, so that writing it does not fail for lack of
+    // room; kDiskFull when there is none. The length stays. Where a volume cannot do that, nothing happens.
+    virtual void Reserve(int64_t /*length*/) {}
+
+    // Has the system begin to hand what was written so far to the medium, and does not wait for it: for long
+    // files that are going to be flushed at the end.
+    virtual void StartFlush() {}
+
     // Hands everything written so far to the medium; returns when it is there.
     virtual void Flush() = 0;
 

@@ -6,33 +6,15 @@
 #include <utility>
 
 #include "platform/Ascii.h"
+#include "platform/Unicode.h"
 
 namespace Vantor::Platform {
+
+using namespace Unicode;
 
 namespace {
 
 static_assert(sizeof(wchar_t) == sizeof(char32_t), "host text holds one character per element here");
-
-constexpr char32_t kLastAscii = 0x7F;
-constexpr char32_t kLastOfTwoBytes = 0x7FF;
-constexpr char32_t kLastOfThreeBytes = 0xFFFF;
-constexpr char32_t kLastCharacter = 0x10FFFF;
-constexpr char32_t kFirstSupplementary = 0x10000;
-constexpr char32_t kFirstHighSurrogate = 0xD800;
-constexpr char32_t kFirstLowSurrogate = 0xDC00;
-constexpr char32_t kLastLowSurrogate = 0xDFFF;
-constexpr int kSurrogateBits = 10;
-
-constexpr uint8_t kFirstContinuation = 0x80;  // 10xxxxxx
-constexpr uint8_t kContinuationMask = 0xC0;
-constexpr int kContinuationBits = 6;
-constexpr char32_t kContinuationValueMask = 0x3F;
-constexpr uint8_t kTwoByteLead = 0xC0;    // 110xxxxx
-constexpr uint8_t kThreeByteLead = 0xE0;  // 1110xxxx
-constexpr uint8_t kFourByteLead = 0xF0;   // 11110xxx
-constexpr uint8_t kFirstNoLead = 0xF8;
-
-constexpr char kNoCounterpart = '?';
 
 // Windows-1252 is Latin-1 but for these. The five bytes that it leaves undefined stand for the control
 // character of the same number, as Windows itself converts them.
@@ -41,10 +23,6 @@ constexpr std::array<char16_t, 32> kWindowsOnly = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
-
-bool IsSurrogate(char32_t character) {
-    return character >= kFirstHighSurrogate && character <= kLastLowSurrogate;
-}
 
 // How one UTF-8 sequence begins: how many bytes follow, the bits its first byte brings, and the smallest
 // character that needs this many bytes.
@@ -119,47 +97,6 @@ std::wstring FromWindows1252(std::string_view bytes) {
     return text;
 }
 
-char ContinuationByte(char32_t character, int position) {
-    const char32_t bits = (character >> (position * kContinuationBits)) & kContinuationValueMask;
-    return static_cast<char>(kFirstContinuation | bits);
-}
-
-void AppendUtf8(std::string& bytes, char32_t character) {
-    if (character <= kLastAscii) {
-        bytes += static_cast<char>(character);
-        return;
-    }
-    int following = 1;
-    uint8_t lead = kTwoByteLead;
-    if (character > kLastOfThreeBytes) {
-        following = 3;
-        lead = kFourByteLead;
-    } else if (character > kLastOfTwoBytes) {
-        following = 2;
-        lead = kThreeByteLead;
-    }
-    bytes += static_cast<char>(lead | (character >> (following * kContinuationBits)));
-    while (following > 0) {
-        bytes += ContinuationByte(character, --following);
-    }
-}
-
-// The character at the position, which moves behind it. Text that a host took over from UTF-16 element by
-// element holds surrogate pairs; each is one character.
-char32_t ReadHostText(std::wstring_view text, size_t& position) {
-    const auto first = static_cast<char32_t>(text[position++]);
-    if (first < kFirstHighSurrogate || first >= kFirstLowSurrogate || position == text.size()) {
-        return first;
-    }
-    const auto second = static_cast<char32_t>(text[position]);
-    if (second < kFirstLowSurrogate || second > kLastLowSurrogate) {
-        return first;
-    }
-    ++position;
-    return kFirstSupplementary + ((first - kFirstHighSurrogate) << kSurrogateBits) +
-           (second - kFirstLowSurrogate);
-}
-
 }  // namespace
 
 // Most texts are ASCII.
@@ -171,19 +108,9 @@ std::wstring ToHostText(std::string_view bytes) {
     return text ? std::move(*text) : FromWindows1252(bytes);
 }
 
-std::string FromHostText(std::wstring_view text) {
-    std::string bytes;
-    bytes.reserve(text.size());
-    for (size_t position = 0; position < text.size();) {
-        const char32_t character = ReadHostText(text, position);
-        if (character > kLastCharacter || IsSurrogate(character)) {
-            bytes += kNoCounterpart;
-        } else {
-            AppendUtf8(bytes, character);
-        }
-    }
-    return bytes;
-}
+std::string FromHostText(std::wstring_view text) { return ToUtf8(text); }
+
+uint32_t GetNativeCodePage() { return kUtf8CodePage; }
 
 size_t CutPosition(std::string_view bytes, size_t limit) {
     if (bytes.size() <= limit) {

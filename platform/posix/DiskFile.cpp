@@ -1,5 +1,6 @@
 #include "platform/posix/DiskFile.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -68,6 +69,23 @@ class DiskFile final : public File {
         }
     }
 
+    void Reserve(int64_t length) override {
+        RequireWritable();
+        const bool isDone = RetryInterrupted([&] {
+                                return fallocate(fDescriptor.Get(), FALLOC_FL_KEEP_SIZE, 0, length);
+                            }) == 0;
+        if (!isDone && (errno == ENOSPC || errno == EDQUOT || errno == EFBIG)) {
+            ThrowFileError(errno, fPath);
+        }
+    }
+
+    // A hint: whether it was taken shows in Flush.
+    void StartFlush() override {
+        constexpr off_t kToTheEnd = 0;
+        sync_file_range(fDescriptor.Get(), fFlushedUpTo, kToTheEnd, SYNC_FILE_RANGE_WRITE);
+        fFlushedUpTo = fPosition;
+    }
+
     void Flush() override {
         const bool isDone = RetryInterrupted([&] { return fsync(fDescriptor.Get()); }) == 0;
         // EINVAL and EROFS: a file system with nothing between it and its medium.
@@ -107,8 +125,9 @@ class DiskFile final : public File {
 
     Descriptor fDescriptor;
     FileAccess fAccess;
-    std::string fPath;      // as the file was opened
-    int64_t fPosition = 0;  // never negative; may be behind the end
+    std::string fPath;         // as the file was opened
+    int64_t fFlushedUpTo = 0;  // how far StartFlush has come
+    int64_t fPosition = 0;     // never negative; may be behind the end
 };
 
 }  // namespace

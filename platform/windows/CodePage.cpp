@@ -31,6 +31,8 @@ std::wstring ToHostText(std::string_view bytes) {
 
 size_t CutPosition(std::string_view bytes, size_t limit) { return std::min(bytes.size(), limit); }
 
+uint32_t GetNativeCodePage() { return GetACP(); }
+
 std::string FromHostText(std::wstring_view text) {
     const DWORD flags = NarrowingFlags();
     const int length = LengthOf(text.size());

@@ -36,6 +36,16 @@ class DiskFile final : public PositionedFile {
         return length.QuadPart;
     }
 
+    void Reserve(int64_t length) override {
+        FILE_ALLOCATION_INFO room = {};
+        room.AllocationSize.QuadPart = length;
+        const bool isDone =
+            SetFileInformationByHandle(fHandle.Get(), FileAllocationInfo, &room, sizeof(room)) != 0;
+        if (!isDone && GetLastError() == ERROR_DISK_FULL) {
+            ThrowLastError(GetPath());
+        }
+    }
+
     void Flush() override {
         // A file opened for reading has nothing to hand on, and the system would refuse to try.
         if (fAccess == FileAccess::kReadWrite && !FlushFileBuffers(fHandle.Get())) {

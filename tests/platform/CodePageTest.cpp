@@ -28,10 +28,12 @@ TEST(CodePage, Windows1252) {
 }
 
 TEST(CodePage, Utf8) {
-    if (kIsWindows) GTEST_SKIP() << "text is in the system code page";
     const std::wstring text = L"M\x80\x7FF\x800\xD7FF\xE000\xFFFF\U00010000\U0010FFFF";
     const std::string bytes =
         "M\xC2\x80\xDF\xBF\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF";
+    EXPECT_EQ(ToUtf8(text), bytes);
+    if (kIsWindows) GTEST_SKIP() << "text is in the system code page";
+    EXPECT_EQ(GetNativeCodePage(), kUtf8CodePage);
     EXPECT_EQ(ToHostText(bytes), text);
     EXPECT_EQ(FromHostText(text), bytes);
     // Halves of surrogate pairs and what lies beyond the last character; a pair from a host with UTF-16.

@@ -99,6 +99,21 @@ TEST(File, BytesThatNobodyWroteAreZero) {
     EXPECT_EQ(ReadRest(*OpenDiskFile(path, FileAccess::kRead)), std::string("0xy3\0\0\0\0\0a\0\0c", 13));
 }
 
+TEST(File, RoomSetAsideIsNoLength) {
+    const TestFolder folder;
+    const std::string path = folder.PathOf("LOOP");
+    const auto file = CreateDiskFile(path);
+    file->Reserve(100000);
+    EXPECT_EQ(file->GetLength(), 0);
+    WriteText(*file, "ab");
+    file->StartFlush();
+    constexpr int64_t kTooMuch = int64_t{1} << 60;
+    const std::string failure = FailureOf([&] { file->Reserve(kTooMuch); });
+    EXPECT_TRUE(failure == path + ": disk is full" || (kIsWindows && failure == "nothing")) << failure;
+    file->Close();
+    EXPECT_EQ(VantorTest::ReadWholeFileAsText(path), "ab");
+}
+
 TEST(File, LargeTransfersAreWhole) {
     const TestFolder folder;
     std::vector<uint32_t> written(10'000'000);
