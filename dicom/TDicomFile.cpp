@@ -13,6 +13,7 @@
 #include <thread>
 #include <utility>
 
+#include "dicom/FileLayout.h"
 #include "dicom/TException.h"
 #include "dicom/TTextUtil.h"
 #include "platform/Ascii.h"
@@ -23,14 +24,10 @@
 
 namespace Vantor {
 
+using namespace FileLayout;
 using Platform::FileException;
 
 namespace {
-
-// Every Part 10 file starts with a preamble that says nothing, then the prefix.
-constexpr int64_t kPreambleSize = 128;
-constexpr std::string_view kPrefix = "DICM";
-constexpr int64_t kMetaOffset = kPreambleSize + static_cast<int64_t>(kPrefix.size());
 
 // The first group that is not part of the meta information.
 constexpr uint16_t kFirstMainGroup = 0x0003;

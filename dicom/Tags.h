@@ -21,6 +21,7 @@ inline constexpr Tag kMediaStorageSOPClassUID{0x0002, 0x0002};
 inline constexpr Tag kMediaStorageSOPInstanceUID{0x0002, 0x0003};
 inline constexpr Tag kTransferSyntaxUID{0x0002, 0x0010};
 inline constexpr Tag kImplementationClassUID{0x0002, 0x0012};
+inline constexpr Tag kImplementationVersionName{0x0002, 0x0013};
 
 inline constexpr Tag kFileSetID{0x0004, 0x1130};
 inline constexpr Tag kFirstRootRecordOffset{0x0004, 0x1200};
