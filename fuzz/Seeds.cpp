@@ -82,6 +82,8 @@ void WriteDataSets(const SeedFolder& seeds) {
             const bool isDefined = lengths == ElementBuilder::Lengths::kDefined;
             const std::string name = std::string(syntax.fName) + (isDefined ? "" : "-undefined");
             seeds.Write("DataSetFuzz", name, seed);
+            seed.insert(seed.begin() + 1, 2);
+            seeds.Write("DataSetEditFuzz", name, seed);
             for (const uint8_t form : {kOwning, kWrapping})
                 seeds.Write("DataSetOperationsFuzz", name + std::to_string(form),
                             MakeProgram(form | syntax.fFlags, data.GetBytes()));
