@@ -1,0 +1,275 @@
+// The files of images written again: what changes, what stays byte for byte, and what is there when it fails.
+
+#include "wrappers/ImageFileEditor.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "dicom/TDataSetEdit.h"
+#include "dicom/TFileRewrite.h"
+#include "platform/CodePage.h"
+#include "platform/File.h"
+#include "tests/support/FileBuilder.h"
+
+namespace {
+
+using namespace Vantor;
+using namespace VantorTest;
+using VantorWrappers::HostString;
+using VantorWrappers::ImageFileEditor;
+using VantorWrappers::SavedImages;
+using Attribute = ImageFileEditor::Attribute;
+
+constexpr char kJpeg[] = "1.2.840.10008.1.2.4.50";
+constexpr char kDeflated[] = "1.2.840.10008.1.2.1.99";
+constexpr Tag kImplementationVersion = Tags::kImplementationVersionName;
+constexpr Tag kPadding{0xFFFC, 0xFFFC};
+
+HostString Wide(const std::string& text) { return Platform::ToHostText(text); }
+
+int32_t WriteAll(ImageFileEditor& editor, const std::string& path) {
+    int32_t error = editor.BeginWriting(Wide(path));
+    while (error == 0 && editor.GetFramesLeft() > 0) error = editor.WriteNext();
+    return error;
+}
+
+bool Ends(const Bytes& whole, const Bytes& end) {
+    return whole.size() > end.size() && std::equal(end.rbegin(), end.rend(), whole.rbegin());
+}
+
+class ImageFileEditorTest : public testing::Test {
+  protected:
+    // An image with the number as the end of its UID, which refers to others.
+    std::string WriteImage(int number, const std::vector<int>& references = {},
+                           const char* syntax = Uids::kExplicitVRLittleEndian) {
+        const std::string uid = UidOf(number);
+        FileBuilder file(syntax, FileBuilder::kSecondaryCapture, uid);
+        file.Meta().Text(kImplementationVersion, Vr::kSH, "ANOTHER 1.0");
+        std::vector<Bytes> items;
+        items.reserve(references.size());
+        for (const int reference : references) {
+            items.push_back(ElementBuilder(syntax)
+                                .Text(Tags::kReferencedSOPInstanceUID, Vr::kUI, UidOf(reference))
+                                .GetBytes());
+        }
+        file.Data()
+            .Text(Tags::kSpecificCharacterSet, Vr::kCS, fCharacterSet)
+            .Text(Tags::kSOPClassUID, Vr::kUI, FileBuilder::kSecondaryCapture)
+            .Text(Tags::kSOPInstanceUID, Vr::kUI, uid)
+            .Text(Tags::kReferringPhysicianName, Vr::kPN, fPhysician);
+        if (!items.empty())
+            file.Data().Sequence(Tags::kSourceImageSequence, items, ElementBuilder::Lengths::kUndefined);
+        file.Data()
+            .Text(Tags::kPatientName, Vr::kPN, "Old^Name")
+            .Text(Tags::kPatientID, Vr::kLO, "4711-0815")
+            .Text(Tags::kStudyInstanceUID, Vr::kUI, "1.2.3.1")
+            .Text(Tags::kSeriesInstanceUID, Vr::kUI, "1.2.3.2")
+            .Text(Tags::kNumberOfFrames, Vr::kIS, "3");
+        ElementBuilder end(syntax);
+        if (syntax == kJpeg) {
+            end.EncapsulatedPixels({}, {BytesOf("one "), BytesOf("two "), BytesOf("three ")});
+        } else {
+            end.Value(Tags::kPixelData, Vr::kOB, BytesOf("pixels of three frames"));
+        }
+        fPixels = end.GetBytes();
+        end.Value(kPadding, Vr::kOB, BytesOf("4711-0815."));
+        fPixelsAndRest = end.GetBytes();
+        file.Data().Raw(fPixelsAndRest);
+        return fFolder.WriteFile(std::to_string(number), file.Build());
+    }
+    static std::string UidOf(int number) { return "1.2.3.3." + std::to_string(number); }
+    static std::string TextIn(const std::string& path, Tag tag) { return TFileRewrite(path).GetText(tag); }
+
+    // The UIDs that an image refers to.
+    static std::vector<std::string> ReferencesIn(const std::string& path) {
+        std::vector<std::string> uids;
+        TDataSetEdit walk;
+        walk.SetRule([&](const TDataSetEdit::Element& element) {
+            if (element.fTag == Tags::kReferencedSOPInstanceUID) {
+                uids.emplace_back(element.fValue.substr(0, element.fValue.find('\0')));
+            }
+            return TDataSetEdit::Fate::Keep();
+        });
+        const TFileRewrite file(path);
+        walk.Apply(file.GetElements(), file.GetEncoding());
+        return uids;
+    }
+
+    TestFolder fFolder;
+    std::string fCharacterSet = "ISO_IR 6";
+    std::string fPhysician = "Dr^No";
+    Bytes fPixels;
+    Bytes fPixelsAndRest;
+    std::shared_ptr<SavedImages> fSaved = std::make_shared<SavedImages>();
+};
+
+TEST_F(ImageFileEditorTest, ChangesWhatItIsToldAndNothingElse) {
+    for (const char* syntax :
+         {Uids::kExplicitVRLittleEndian, Uids::kImplicitVRLittleEndian, Uids::kExplicitVRBigEndian, kJpeg}) {
+        const std::string path = WriteImage(1, {9}, syntax);
+        const Bytes before = ReadWholeFile(path);
+        ImageFileEditor unchanged(Wide(path), fSaved);
+        EXPECT_EQ(WriteAll(unchanged, path), 0) << syntax;
+        EXPECT_EQ(TFileRewrite(path).GetElements(), [&] {
+            const std::string other = fFolder.WriteFile("other", before);
+            return TFileRewrite(other).GetElements();
+        }()) << syntax;
+
+        ImageFileEditor editor(Wide(path), fSaved);
+        EXPECT_EQ(editor.GetNumberOfFrames(), 3);
+        EXPECT_EQ(editor.GetClassUID(), Wide(FileBuilder::kSecondaryCapture));
+        editor.Set(Attribute::kPatientName, L"New^Name");
+        editor.Set(Attribute::kInstanceUID, L"1.2.9");
+        editor.Set(Attribute::kAccessionNumber, L"longer than sixteen");
+        editor.Set(Attribute::kPatientID, L"");
+        EXPECT_EQ(WriteAll(editor, path), 0) << syntax;
+        EXPECT_TRUE(Ends(ReadWholeFile(path), fPixelsAndRest)) << syntax;
+        const TFileRewrite file(path);
+        EXPECT_EQ(file.GetText(Tags::kPatientName), "New^Name");
+        EXPECT_EQ(file.GetText(Tags::kPatientID), "");
+        EXPECT_EQ(file.GetText(Tags::kAccessionNumber), "longer than sixt");
+        EXPECT_EQ(file.GetText(Tags::kReferringPhysicianName), "Dr^No");
+        EXPECT_EQ(file.GetText(Tags::kSOPInstanceUID), "1.2.9");
+        EXPECT_EQ(file.GetMetaText(Tags::kMediaStorageSOPInstanceUID), "1.2.9");
+        EXPECT_EQ(file.GetMetaText(Tags::kTransferSyntaxUID), syntax);
+        EXPECT_EQ(file.GetMetaText(Tags::kImplementationClassUID), Uids::kImplementationClass);
+        EXPECT_EQ(file.GetMetaText(kImplementationVersion), "") << "of the program that wrote the old file";
+        EXPECT_EQ(ReferencesIn(path), (std::vector<std::string>{UidOf(9)}));
+    }
+}
+
+TEST_F(ImageFileEditorTest, DeIdentifiesWhatIsNotSet) {
+    for (const char* syntax : {Uids::kExplicitVRBigEndian, kJpeg}) {
+        const std::string path = WriteImage(1, {1}, syntax);
+        ImageFileEditor editor(Wide(path), fSaved);
+        editor.Set(Attribute::kStudyUID, L"1.2.3.1");
+        editor.DeIdentify(2);
+        const std::string copy = fFolder.PathOf("copy");
+        EXPECT_EQ(WriteAll(editor, copy), 0);
+        const Bytes bytes = ReadWholeFile(copy);
+        EXPECT_TRUE(Ends(bytes, fPixels)) << "nothing behind the pixels";
+        for (const std::string trace : {"4711", "Old", "No", "1.2.3.2", "1.2.3.3"}) {
+            const Bytes text = BytesOf(trace);
+            EXPECT_EQ(std::search(bytes.begin(), bytes.end(), text.begin(), text.end()), bytes.end())
+                << trace;
+        }
+        const TFileRewrite file(copy);
+        EXPECT_EQ(file.GetText(Tags::kStudyInstanceUID), "1.2.3.1") << "set by the host";
+        const std::string uid = file.GetText(Tags::kSOPInstanceUID);
+        EXPECT_EQ(ReferencesIn(copy), (std::vector<std::string>{uid})) << "to itself";
+        EXPECT_EQ(file.GetMetaText(Tags::kMediaStorageSOPInstanceUID), uid);
+        EXPECT_EQ(TextIn(path, Tags::kPatientID), "4711-0815") << "the source is untouched";
+    }
+}
+
+// The first image names two that are written later, one of which fails.
+TEST_F(ImageFileEditorTest, ReferencesFollowTheImagesThatAreSaved) {
+    for (const bool isAnonymous : {false, true}) {
+        fSaved = std::make_shared<SavedImages>();
+        const std::vector<std::string> paths = {WriteImage(1, {2, 3, 2, 7}), WriteImage(2, {1}),
+                                                WriteImage(3)};
+        std::vector<std::unique_ptr<ImageFileEditor>> editors;
+        for (const std::string& path : paths) {
+            editors.push_back(std::make_unique<ImageFileEditor>(Wide(path), fSaved));
+            editors.back()->Set(Attribute::kInstanceUID, L"1.9." + std::to_wstring(editors.size()));
+            if (isAnonymous) editors.back()->DeIdentify(1);
+        }
+        EXPECT_EQ(WriteAll(*editors[0], paths[0]), 0);
+        EXPECT_EQ(WriteAll(*editors[1], paths[1]), 0);
+        std::filesystem::remove(paths[2]);
+        EXPECT_NE(WriteAll(*editors[2], paths[2]), 0);
+        EXPECT_EQ(fSaved->Finish(), 0);
+        EXPECT_EQ(ReferencesIn(paths[1]), (std::vector<std::string>{"1.9.1"}));
+        const std::vector<std::string> first = ReferencesIn(paths[0]);
+        ASSERT_EQ(first.size(), 4U);
+        EXPECT_EQ(first[0] + " " + first[2], "1.9.2 1.9.2");
+        EXPECT_EQ(first[1] == UidOf(3), !isAnonymous);
+        EXPECT_EQ(first[3] == UidOf(7), !isAnonymous);
+        EXPECT_TRUE(Ends(ReadWholeFile(paths[0]), isAnonymous ? fPixels : fPixelsAndRest));
+        EXPECT_EQ(fSaved->Finish(), 0) << "nothing is left to do";
+    }
+}
+
+TEST_F(ImageFileEditorTest, FindsACharacterSetForItsTexts) {
+    struct Case {
+        const char* fCharacterSet;
+        const char* fPhysician;
+        HostString fName;
+        std::string fNewSet;
+        std::string fNewName;
+    };
+    const Case cases[] = {
+        {"ISO_IR 100", "M\xFCller", L"J\xFCrgen", "ISO_IR 100", "J\xFCrgen"},
+        {"ISO_IR 192", "M\xC3\xBCller", L"J\xFCrgen", "ISO_IR 192", "J\xC3\xBCrgen"},
+        {"", "Dr", L"J\xFCrgen", "ISO_IR 100", "J\xFCrgen"},
+        {"ISO_IR 144", "Dr", L"\x65E5\x672C", "ISO_IR 192", "\xE6\x97\xA5\xE6\x9C\xAC"},
+        {"ISO_IR 144", "\xB8\xD2", L"J\xFCrgen", "ISO_IR 144", "J?rgen"},  // the physician needs his
+        {"ISO_IR 144", "\xB8\xD2", L"Plain", "ISO_IR 144", "Plain"},
+    };
+    for (const Case& each : cases) {
+        fCharacterSet = each.fCharacterSet;
+        fPhysician = each.fPhysician;
+        for (const char* syntax : {Uids::kExplicitVRLittleEndian, Uids::kImplicitVRLittleEndian}) {
+            const std::string path = WriteImage(1, {}, syntax);
+            ImageFileEditor editor(Wide(path), fSaved);
+            editor.Set(Attribute::kPatientName, each.fName);
+            EXPECT_EQ(WriteAll(editor, path), 0);
+            EXPECT_EQ(TextIn(path, Tags::kSpecificCharacterSet), each.fNewSet) << each.fNewName;
+            EXPECT_EQ(TextIn(path, Tags::kPatientName), each.fNewName);
+            EXPECT_EQ(TextIn(path, Tags::kReferringPhysicianName), each.fPhysician);
+        }
+    }
+}
+
+TEST_F(ImageFileEditorTest, CountsFramesDown) {
+    FileBuilder file;
+    file.Data().Text(Tags::kNumberOfFrames, Vr::kIS, "10");
+    file.Data().Value(Tags::kPixelData, Vr::kOB, Bytes(10 << 20));
+    const std::string path = fFolder.WriteFile("loop", file.Build());
+    ImageFileEditor editor(Wide(path), fSaved);
+    EXPECT_EQ(editor.GetFramesLeft(), 0);
+    EXPECT_EQ(editor.BeginWriting(Wide(fFolder.PathOf("copy"))), 0);
+    std::vector<int32_t> left;
+    while (editor.GetFramesLeft() > 0) {
+        left.push_back(editor.GetFramesLeft());
+        EXPECT_FALSE(std::filesystem::exists(fFolder.PathOf("copy"))) << "before it is complete";
+        ASSERT_EQ(editor.WriteNext(), 0);
+    }
+    EXPECT_EQ(left, (std::vector<int32_t>{10, 7, 3}));
+    EXPECT_TRUE(std::filesystem::exists(fFolder.PathOf("copy")));
+}
+
+TEST_F(ImageFileEditorTest, LeavesTheOldFileWhenItFails) {
+    const std::string good = WriteImage(1);
+    const Bytes content = ReadWholeFile(good);
+    FileBuilder deflated(kDeflated);
+    deflated.Data().Raw(Bytes(300, 0x5A));
+    const std::string target = fFolder.WriteFile("target", "of before");
+    const std::string files[] = {fFolder.PathOf("nowhere"), fFolder.WriteFile("empty", ""),
+                                 fFolder.WriteFile("text", std::string(500, 'x')),
+                                 fFolder.WriteFile("short", Bytes(content.begin(), content.begin() + 250)),
+                                 fFolder.WriteFile("deflated", deflated.Build())};
+    for (const std::string& path : files) {
+        ImageFileEditor editor(Wide(path), fSaved);
+        const int32_t error = editor.GetError();
+        EXPECT_NE(error, 0) << path;
+        EXPECT_EQ(error == ImageFileEditor::kNoDicomFile, path != files[0]) << path;
+        EXPECT_EQ(editor.GetNumberOfFrames(), 1);
+        EXPECT_EQ(WriteAll(editor, target), error) << path;
+        EXPECT_EQ(ReadWholeFileAsText(target), "of before");
+    }
+    ImageFileEditor editor(Wide(good), fSaved);
+    EXPECT_GT(editor.BeginWriting(Wide(fFolder.PathOf("no folder/copy"))), 0);
+    EXPECT_EQ(editor.GetFramesLeft(), 0);
+    EXPECT_EQ(editor.BeginWriting(Wide(target)), 0);
+    {
+        const auto held = Platform::OpenDiskFile(good, Platform::FileAccess::kRead);
+        EXPECT_EQ(editor.WriteNext(), 0) << "others may read meanwhile";
+    }
+    EXPECT_TRUE(Ends(ReadWholeFile(target), fPixelsAndRest));
+    EXPECT_EQ(fFolder.ListFiles().size(), 6U) << "nothing is left lying about";
+}
+
+}  // namespace
