@@ -14,6 +14,7 @@
 #include "dicom/TFileRewrite.h"
 #include "dicom/Tags.h"
 #include "dicom/Uids.h"
+#include "dicom/ValueText.h"
 #include "platform/Ascii.h"
 #include "platform/CodePage.h"
 #include "wrappers/SavedImagesState.h"
@@ -96,12 +97,15 @@ std::string EncodeWhatCanBe(const HostString& text, std::string_view characterSe
     return bytes;
 }
 
-// True for a value that is text with other characters than those of ASCII. In implicit VR nobody says what is
-// text; what has no control characters is.
+// True for a value that is text with other characters than those of ASCII, which ISO 2022 writes with escape
+// sequences and without any other byte beyond ASCII. In implicit VR nobody says what is text; what has no
+// control characters is.
 bool IsNonAsciiText(const TDataSetEdit::Element& element) {
     constexpr VrCode kTexts[] = {
         Vr::kLO, Vr::kLT, Vr::kPN, Vr::kSH, Vr::kST, Vr::kUT, Vantor::MakeVr('U', 'C')};
-    if (element.fIsSequence || Vantor::Platform::IsAscii(element.fValue)) return false;
+    const bool isAscii = Vantor::Platform::IsAscii(element.fValue) &&
+                         element.fValue.find(Vantor::kEscape) == std::string_view::npos;
+    if (element.fIsSequence || isAscii) return false;
     if (std::find(std::begin(kTexts), std::end(kTexts), element.fVr) != std::end(kTexts)) return true;
     constexpr char kFirstNoControl = ' ';
     constexpr std::string_view kControlsOfText("\t\n\f\r\x1B\0", 6);

@@ -181,8 +181,7 @@ bool SeriesSaveAs::MakePlace(const SeriesDirRec* series) {
     if (patient == nullptr) return false;
     const bool isNewStudy = fInfo->GetNewStudyFlag() || series == nullptr;
     TStudyDoc* const study = isNewStudy ? MakeNewStudy(*patient) : JoinStudy(*patient, *series);
-    const HostString modality = series == nullptr ? kModalityOfOthers : series->GetModality();
-    const bool isMade = study != nullptr && MakeSeries(*study, modality) != nullptr;
+    const bool isMade = study != nullptr && MakeSeries(*study, series) != nullptr;
     // A study that is there already keeps its patient.
     RemoveEmptyDocs(*FindDirectory(), patient, false);
     return isMade;
@@ -272,11 +271,28 @@ TStudyDoc* SeriesSaveAs::JoinStudy(TPatientDoc& patient, const SeriesDirRec& ser
     });
 }
 
-TSeriesDoc* SeriesSaveAs::MakeSeries(TStudyDoc& study, const HostString& modality) {
+// Where a study is continued on another medium, the next UID there may be that of the very series that is
+// copied, or of one beside it: then the next one that both are without.
+std::string SeriesSaveAs::MakeSeriesUID(TStudyDoc& study, const SeriesDirRec* source) const {
+    const TDicomUtils utils;
+    const std::string uid = utils.CreateNewSeriesUID(study);
+    DicomDirectory* const directory = source == nullptr ? nullptr : source->GetDicomDirectory();
+    const auto isTaken = [&](const std::string& candidate) {
+        return directory != nullptr && directory->IsSeriesInDirectory(ToHostText(candidate));
+    };
+    std::string next = uid;
+    for (int32_t component = utils.GetLastComponent(uid); isTaken(next);) {
+        next = uid.substr(0, uid.rfind('.') + 1) + std::to_string(++component);
+    }
+    return next;
+}
+
+TSeriesDoc* SeriesSaveAs::MakeSeries(TStudyDoc& study, const SeriesDirRec* source) {
+    const HostString modality = source == nullptr ? kModalityOfOthers : source->GetModality();
     std::unique_ptr<TSeriesDoc> series;
     const bool isMade = Succeeds([&] {
         series = std::make_unique<TSeriesDoc>(nullptr, nullptr);
-        const std::string uid = TDicomUtils().CreateNewSeriesUID(study);
+        const std::string uid = MakeSeriesUID(study, source);
         series->SetSeriesUID(uid.c_str());
         series->SetModality(Native(modality).c_str());
         // A series without number is given one when it is written.

@@ -35,7 +35,8 @@ class SeriesSaveAs : private SeriesSave {
     Vantor::TPatientDoc* MakePatient();
     Vantor::TStudyDoc* MakeNewStudy(Vantor::TPatientDoc& patient);
     Vantor::TStudyDoc* JoinStudy(Vantor::TPatientDoc& patient, const SeriesDirRec& series);
-    Vantor::TSeriesDoc* MakeSeries(Vantor::TStudyDoc& study, const HostString& modality);
+    Vantor::TSeriesDoc* MakeSeries(Vantor::TStudyDoc& study, const SeriesDirRec* source);
+    std::string MakeSeriesUID(Vantor::TStudyDoc& study, const SeriesDirRec* source) const;
     void FillStudy(Vantor::TStudyDoc& study) const;
     std::string MakeStudyUID() const;
     void RemoveEmptyPlace();

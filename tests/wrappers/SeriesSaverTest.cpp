@@ -169,6 +169,21 @@ TEST_F(SeriesSaverTest, ACopyJoinsTheStudyOfItsSource) {
     EXPECT_NE(fOwned[0]->fNotes.find("name=New^Name^^;level=2;series number"), std::string::npos);
 }
 
+// Two series of one UID would pass for the same one, wherever both come together.
+TEST_F(SeriesSaverTest, ACopyInTheSameStudyElsewhereIsAnotherSeries) {
+    fInfo.SetSeriesNumber(L"9");
+    EXPECT_EQ(SaveAs(nullptr), kSuccess);
+    const HostString study = Wide(kNewStudy);
+    EXPECT_EQ(fNewUID, study + L".1");
+    fFolder.WriteFile("D/NEXT/DICOMDIR", DirectoryBuilder().Build());
+    fInfo.SetDestinationDirectory(Open("D/NEXT/DICOMDIR"));
+    fDestination->UpdateDirRecs();
+    const SeriesDirRec copy = fDestination->GetSeriesList().at(0);
+    copy.GetImages(fImages);
+    EXPECT_EQ(SaveAs(&copy), kSuccess);
+    EXPECT_EQ(fNewUID, study + L".2");
+}
+
 TEST_F(SeriesSaverTest, AnExamLayoutGivesAStudyItsFolder) {
     DirectoryBuilder media;
     const int study = media.AddStudy(media.AddPatient(1), 2);
