@@ -64,6 +64,12 @@ const char* ReasonOf(const VantorWrappers::LuminaError& error) {
             return "the DICOMDIR cannot be written";
         case ErrorNumber::DeleteFailed:
             return "its files or the DICOMDIR cannot be changed";
+        case ErrorNumber::SaveGeneralFailure:
+            return "not all of it can be saved; --trace error tells more";
+        case ErrorNumber::SaveOpenForUpdateFailure:
+            return "there is no DICOMDIR, or it cannot be opened for writing";
+        case ErrorNumber::FileNamesAllUsed:
+            return "there is no name left for a new file, or its path is too long";
         default:
             return NameOf(error.GetErrorNumber());
     }

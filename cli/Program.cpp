@@ -13,6 +13,8 @@
 #include "cli/DrivesCommand.h"
 #include "cli/DumpCommand.h"
 #include "cli/InfoCommand.h"
+#include "cli/SaveAsCommand.h"
+#include "cli/SaveCommand.h"
 #include "cli/Text.h"
 #include "cli/TreeCommand.h"
 #include "dicom/TException.h"
@@ -70,6 +72,8 @@ Program::Program() : fApp("Vantor: DICOM media for review workstations", "vantor
     Add(std::make_unique<AddCommand>());
     Add(std::make_unique<CopyCommand>());
     Add(std::make_unique<DeleteCommand>());
+    Add(std::make_unique<SaveCommand>());
+    Add(std::make_unique<SaveAsCommand>());
     Add(std::make_unique<DrivesCommand>());
     Add(std::make_unique<DirsCommand>());
 }

@@ -16,6 +16,10 @@ class Console;
 std::optional<std::vector<VantorWrappers::SeriesDirRec>> ChooseSeries(
     const VantorWrappers::DicomDirectory& directory, const std::vector<std::string>& uids, Console& console);
 
+// The one with this UID. Ends the command when it is not in the directory.
+VantorWrappers::SeriesDirRec ChooseOneSeries(const VantorWrappers::DicomDirectory& directory,
+                                             const std::string& uid);
+
 // Where a series stands among those that are worked on: "2 of 5".
 std::string PlaceOf(size_t index, size_t count);
 

@@ -1,0 +1,85 @@
+#include "cli/FileImage.h"
+
+#include <chrono>
+#include <system_error>
+#include <utility>
+
+namespace VantorCli {
+
+namespace {
+
+// Enough for a still. A saver looks again only after a quarter of a second.
+constexpr std::chrono::milliseconds kMoment(40);
+
+}  // namespace
+
+FileImage::FileImage(std::wstring path, std::shared_ptr<VantorWrappers::SavedImages> savedImages)
+    : fPath(std::move(path)),
+      fPathToWrite(fPath),
+      fSavedImages(std::move(savedImages)),
+      fEditor(std::make_unique<Editor>(fPath, fSavedImages)),
+      fStart{fEditor->GetClassUID(), fEditor->GetInstanceUID(), fEditor->GetNumberOfFrames()} {}
+
+FileImage::~FileImage() {
+    if (fWriting != nullptr) fWriting->fIsGivenUp = true;
+}
+
+std::wstring FileImage::GetInstanceUID() const {
+    const auto set = fTexts.find(Attribute::kInstanceUID);
+    return set != fTexts.end() ? set->second : fStart.fInstanceUID;
+}
+
+int32_t FileImage::SaveAs() {
+    WaitUntilSaved();
+    fWriting.reset();
+    fStartError = BeginWriting();
+    if (fStartError == 0) {
+        WriteInBackground();
+    } else {
+        fEditor.reset();  // with what was begun
+    }
+    return fStartError;
+}
+
+int32_t FileImage::BeginWriting() {
+    if (fEditor == nullptr) fEditor = std::make_unique<Editor>(fPath, fSavedImages);
+    for (const auto& [attribute, text] : fTexts) {
+        fEditor->Set(attribute, text);
+    }
+    if (fDeIdentification != 0) fEditor->DeIdentify(fDeIdentification);
+    return fEditor->BeginWriting(fPathToWrite);
+}
+
+// Without a thread to be had, it is written here.
+void FileImage::WriteInBackground() {
+    fWriting = std::make_shared<Writing>();
+    fWriting->fFramesLeft = fEditor->GetFramesLeft();
+    auto write = [editor = std::make_shared<std::unique_ptr<Editor>>(std::move(fEditor)),
+                  writing = fWriting] { Write(std::move(*editor), *writing); };
+    try {
+        fThread = std::async(std::launch::async, write);
+        fThread.wait_for(kMoment);
+    } catch (const std::system_error&) {
+        write();
+    }
+}
+
+// The file is closed before anybody is told that it is complete.
+void FileImage::Write(std::unique_ptr<Editor> editor, Writing& writing) {
+    int32_t error = 0;
+    for (int32_t left = editor->GetFramesLeft(); left > 0 && error == 0 && !writing.fIsGivenUp;
+         left = editor->GetFramesLeft()) {
+        writing.fFramesLeft = left;
+        error = editor->WriteNext();
+    }
+    editor.reset();
+    writing.fResult = error;
+    writing.fFramesLeft = 0;
+}
+
+bool FileImage::WaitUntilSaved() {
+    if (fThread.valid()) fThread.wait();
+    return fWriting != nullptr && GetError() == 0;
+}
+
+}  // namespace VantorCli

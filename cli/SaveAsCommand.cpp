@@ -1,0 +1,137 @@
+#include "cli/SaveAsCommand.h"
+
+#include <CLI/CLI.hpp>
+
+#include "cli/AttributeText.h"
+#include "cli/Directories.h"
+#include "cli/SeriesSaving.h"
+#include "platform/CodePage.h"
+#include "wrappers/PatientDirRec.h"
+#include "wrappers/StudyDirRec.h"
+
+namespace VantorCli {
+
+namespace {
+
+using namespace VantorWrappers;
+
+constexpr wchar_t kAnonymousName[] = L"Anonymous";
+constexpr wchar_t kAnonymousID[] = L"ANONYMOUS";
+
+}  // namespace
+
+CLI::App* SaveAsCommand::AddTo(CLI::App& program) {
+    CLI::App* app =
+        program.add_subcommand("save-as", "Save a copy of the images of a series as a new series");
+    app->add_option("PATH", fPath, "A DICOMDIR, a folder, or a DICOM file")->required()->type_name("");
+    app->add_option("--series", fSeries, "The series to be copied")->required()->type_name("UID");
+    app->add_option("--to", fDestination,
+                    "The DICOMDIR that takes the copy, or the folder that\nholds it; may be PATH")
+        ->required()
+        ->type_name("DESTINATION");
+    AddTexts(*app);
+    app->add_flag("--new-study", fIsNewStudy, "Put the copy into a new study");
+    auto* anonymous = app->add_flag("--anonymous", fIsAnonymous, "Take out of the images who the patient is");
+    app->add_flag("--erase-physicians", fErasesPhysicians, "The names of physicians and operators as well")
+        ->needs(anonymous);
+    app->add_flag("--json", fIsJson, "One JSON object, with the UID of the new series");
+    app->footer(
+        "The new series and its images have new UIDs; the UID of the series is printed. The images are\n"
+        "numbered 1, 2, 3 ... in the order in which vantor tree lists them; their pixels are copied as they\n"
+        "are. Reports and raw data of the series are not copied.\n"
+        "\n"
+        "Texts that are not given are those of the source; but for the study ID with --new-study, which is\n"
+        "a new one. With --anonymous the name is \"Anonymous\", the ID \"ANONYMOUS\", and other texts that "
+        "are\n"
+        "not given are empty. Without --new-study an anonymous copy keeps the UID of the study.\n"
+        "\n"
+        "\"\" is an empty text; an empty name or ID leaves the images what they have, or with --anonymous\n"
+        "nothing.\n"
+        "\n"
+        "Example:\n"
+        "  vantor save-as EXAM --series 1.2.3.4 --to /media/usb --anonymous --new-study\n"
+        "  vantor save-as EXAM --series 1.2.3.4 --to EXAM --series-description \"Best beats\"");
+    return app;
+}
+
+void SaveAsCommand::AddTexts(CLI::App& app) {
+    const struct {
+        const char* fName;
+        Text& fText;
+        const char* fHelp;
+        std::string (*fProblemOf)(const std::string& text);
+    } texts[] = {
+        {"--patient-name", fPatientName, "The name in DICOM form:\nFAMILY^GIVEN^MIDDLE^PREFIX^SUFFIX",
+         ProblemOfPersonName},
+        {"--patient-id", fPatientID, "The patient's number", ProblemOfLongText},
+        {"--accession", fAccession, "The accession number", ProblemOfShortText},
+        {"--study-id", fStudyID, "The study ID", ProblemOfShortText},
+        {"--study-description", fStudyDescription, "The study's description", ProblemOfLongText},
+        {"--series-number", fSeriesNumber, "The series number", ProblemOfNumber},
+        {"--series-description", fSeriesDescription, "The series' description", ProblemOfLongText},
+    };
+    for (const auto& text : texts) {
+        app.add_option_function<std::string>(
+               text.fName,
+               [&field = text.fText](const std::string& given) {
+                   field = Vantor::Platform::ToHostText(given);
+               },
+               text.fHelp)
+            ->type_name("TEXT")
+            ->check(text.fProblemOf, "");
+    }
+}
+
+ExitStatus SaveAsCommand::Run(Console& console) {
+    Directories directories;
+    const auto source = directories.Open(fPath);
+    SeriesSaving saving(*source, fSeries, console);
+    SaveAsInfo info = MakeInfo(saving.GetSeries());
+    info.SetDestinationDirectory(directories.OpenDicomdir(fDestination, "vantor create makes one"));
+    HostString newUID;
+    saving.Run([&](SeriesSaver& saver, auto& images, const auto& controls) {
+        return saver.SaveAsSeries(&info, &images, &controls, &saving.GetSeries(), newUID);
+    });
+    const ExitStatus status = saving.Show(newUID, fIsJson);
+    if (status == ExitStatus::kDone) saving.ReportOthers("they are not copied");
+    return status;
+}
+
+SaveAsInfo SaveAsCommand::MakeInfo(const SeriesDirRec& series) const {
+    SaveAsInfo info;
+    info.SetNewStudyFlag(fIsNewStudy);
+    info.SetMakeAnonymousFlag(fIsAnonymous);
+    info.SetErasePhysicianNamesFlag(fErasesPhysicians);
+    if (fIsAnonymous) {
+        info.SetPatientName(VantorHost::PatientName(kAnonymousName));
+        info.SetPatientNumber(kAnonymousID);
+    } else {
+        TakeSource(series, info);
+    }
+    TakeGiven(info);
+    return info;
+}
+
+void SaveAsCommand::TakeSource(const SeriesDirRec& series, SaveAsInfo& info) const {
+    StudyDirRec study;
+    series.GetStudyDirRec(study);
+    info.SetPatientName(VantorHost::PatientName(series.GetDicomPatientName()));
+    info.SetPatientNumber(series.GetPatientNumber());
+    info.SetAccessionNumber(study.GetAccessionNumber());
+    if (!fIsNewStudy) info.SetStudyID(study.GetStudyID());
+    info.SetStudyDescription(study.GetStudyDescription());
+    info.SetSeriesNumber(series.GetSeriesNumber());
+    info.SetSeriesDescription(series.GetSeriesDescription());
+}
+
+void SaveAsCommand::TakeGiven(SaveAsInfo& info) const {
+    if (fPatientName) info.SetPatientName(VantorHost::PatientName(*fPatientName));
+    if (fPatientID) info.SetPatientNumber(*fPatientID);
+    if (fAccession) info.SetAccessionNumber(*fAccession);
+    if (fStudyID) info.SetStudyID(*fStudyID);
+    if (fStudyDescription) info.SetStudyDescription(*fStudyDescription);
+    if (fSeriesNumber) info.SetSeriesNumber(*fSeriesNumber);
+    if (fSeriesDescription) info.SetSeriesDescription(*fSeriesDescription);
+}
+
+}  // namespace VantorCli
