@@ -177,8 +177,10 @@ TEST(TDeIdentification, TheDocumentShowsTheTable) {
         char start[16];
         std::snprintf(start, sizeof(start), "| (%04X,%04X) |", tag.fGroup, tag.fElement);
         const std::string line = document.substr(place + 1, document.find('\n', place + 1) - place - 1);
-        const auto end = [&](auto action) { return " " + actions[static_cast<size_t>(action)] + " |"; };
-        EXPECT_TRUE(line.starts_with(start) && line.ends_with("|" + end(atLevel1) + end(atLevel2))) << line;
+        const auto end = [&](auto action) {
+            return std::string("| ") + actions[static_cast<size_t>(action)] + " ";
+        };
+        EXPECT_TRUE(line.starts_with(start) && line.ends_with(end(atLevel1) + end(atLevel2) + "|")) << line;
         place = document.find("\n| (", place + 1);
     }
     EXPECT_EQ(place, std::string::npos) << "no row too many";

@@ -141,7 +141,7 @@ TEST_F(SeriesSaverTest, ACopyWithoutSourceSeriesIsANewStudyOfSecondaryCaptures) 
     EXPECT_EQ(TextOf(record, Tags::kStudyInstanceUID).c_str(), study);
     EXPECT_EQ(TextOf(*(*onDisk.GetSeriesDocs()->begin())->GetDataSet(), Tags::kModality), "SC");
     TImageDoc& image = *(*onDisk.GetImageDocs()->begin());
-    EXPECT_EQ(image.GetFilePath(), fFolder.PathOf("D/" + Spelled("imagesdc/I_000000.dcm")));
+    EXPECT_EQ(image.GetFilePath(), fFolder.PathOf("D/IMAGESDC/I_000000.DCM"));
     EXPECT_EQ(ReadWholeFileAsText(image.GetFilePath()), fOwned[0]->fNotes);
     TUidText uid;
     EXPECT_TRUE(image.GetSOPInstanceUID(uid.fText));
