@@ -87,10 +87,8 @@ void TFileRewrite::ReadMore(size_t count) {
 
 // False when the bytes break off too early.
 bool TFileRewrite::ParseStart() {
-    const auto prefix = fStart.begin() + kPreambleSize;
-    if (fStart.size() <= kMetaStart || !std::equal(kPrefix.begin(), kPrefix.end(), prefix)) {
-        ThrowInvalid();
-    }
+    if (fStart.size() <= kMetaStart) ThrowInvalid();
+    if (!std::equal(kPrefix.begin(), kPrefix.end(), fStart.begin() + kPreambleSize)) ThrowInvalid();
     try {
         const std::span<const uint8_t> bytes(fStart);
         ElementReader meta(bytes.subspan(kMetaStart), kMetaEncoding);
