@@ -11,6 +11,7 @@
 #include "dicom/TDicomDataSetLayout.h"
 #include "dicom/TException.h"
 #include "dicom/Uids.h"
+#include "dicom/ValueText.h"
 #include "platform/FileException.h"
 
 namespace Vantor {
@@ -48,11 +49,9 @@ std::string FindText(std::span<const uint8_t> bytes, Encoding encoding, Tag tag)
     for (auto element = reader.PeekHeader(); element; element = reader.PeekHeader()) {
         const size_t end = reader.Skip(*element);
         if (element->fTag != tag) continue;
-        std::string text(bytes.begin() + static_cast<std::ptrdiff_t>(element->fValueStart),
-                         bytes.begin() + static_cast<std::ptrdiff_t>(end));
-        constexpr std::string_view kPadding(" \0", 2);
-        text.erase(text.find_last_not_of(kPadding) + 1);
-        return text.erase(0, text.find_first_not_of(' '));
+        const std::string text(bytes.begin() + static_cast<std::ptrdiff_t>(element->fValueStart),
+                               bytes.begin() + static_cast<std::ptrdiff_t>(end));
+        return std::string(TrimValue(text));
     }
     return {};
 }
