@@ -84,14 +84,22 @@ std::string TDicomUtils::CreateNewSeriesUID(TStudyDoc& study) const {
 }
 
 std::string TDicomUtils::CreateNewImageUID(TSeriesDoc& series) const {
+    return CreateImageUIDAfter(GetLastImageComponent(series), series);
+}
+
+std::string TDicomUtils::CreateImageUIDAfter(int32_t last, const TSeriesDoc& series) const {
     TUidText seriesUID;
     series.GetSeriesUID(seriesUID.fText, sizeof(seriesUID.fText));
+    return FixLeadingZeros(WithComponent(seriesUID.fText, int64_t{last} + 1));
+}
+
+int32_t TDicomUtils::GetLastImageComponent(TSeriesDoc& series) const {
     int32_t last = 0;
     for (TImageDoc* image : *series.GetImageDocs()) {
         TUidText uid;
         if (image->GetSOPInstanceUID(uid.fText)) last = std::max(last, GetLastComponent(uid.fText));
     }
-    return FixLeadingZeros(WithComponent(seriesUID.fText, int64_t{last} + 1));
+    return last;
 }
 
 int32_t TDicomUtils::GetLastComponent(std::string_view uid) const {

@@ -30,6 +30,11 @@ class TDicomUtils {
     std::string CreateNewSeriesUID(TStudyDoc& study) const;
     std::string CreateNewImageUID(TSeriesDoc& series) const;
 
+    // The two steps of the latter, for who makes many in a row: the largest last component among the images,
+    // 0 without any, and the UID with the component after `last`.
+    int32_t GetLastImageComponent(TSeriesDoc& series) const;
+    std::string CreateImageUIDAfter(int32_t last, const TSeriesDoc& series) const;
+
     // The number behind the last dot; 0 when there is no dot behind the first character.
     int32_t GetLastComponent(std::string_view uid) const;
 

@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "records/TDicomUtils.h"
 #include "records/TImageDoc.h"
 #include "records/TSeriesDoc.h"
 #include "wrappers/DicomDirectory.h"
@@ -79,7 +78,7 @@ bool SeriesInPlaceSave::AssignNewUID(ImageDirRec& image, AxDicomImage& control) 
         Fail(ErrorSeverity::Fatal, ErrorNumber::SaveGeneralFailure, "UID generation failed");
         return false;
     }
-    const HostString uid = ReadBytes(Vantor::TDicomUtils().CreateNewImageUID(*series));
+    const HostString uid = ReadBytes(MakeImageUID(*series));
     image.SetInstanceUID(uid);
     control.SetInstanceUID(uid);
     return true;

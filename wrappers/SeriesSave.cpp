@@ -1,5 +1,6 @@
 #include "wrappers/SeriesSave.h"
 
+#include <algorithm>
 #include <chrono>
 #include <memory>
 
@@ -7,6 +8,8 @@
 #include "directory/TDicomDirectory.h"
 #include "platform/Clock.h"
 #include "platform/CodePage.h"
+#include "records/TDicomUtils.h"
+#include "records/TSeriesDoc.h"
 #include "wrappers/DicomDirectory.h"
 #include "wrappers/DirectoryUpdate.h"
 
@@ -59,6 +62,19 @@ AxDicomImage* SeriesSave::FindControl(const ImageControls& controls, size_t inde
         Fail(ErrorSeverity::InternalError, ErrorNumber::SaveGeneralFailure, "Missing image control");
     }
     return control;
+}
+
+// A long series is not gone through again for each of its images, unless somebody else adds to it as well.
+std::string SeriesSave::MakeImageUID(Vantor::TSeriesDoc& series) {
+    const Vantor::TDicomUtils utils;
+    const int32_t count = series.GetImageDocs()->GetCount();
+    const bool isKnown = &series == fNumbered && (count == fImageCount || count == fImageCount + 1);
+    if (!isKnown) fLastComponent = utils.GetLastImageComponent(series);
+    const std::string uid = utils.CreateImageUIDAfter(fLastComponent, series);
+    fNumbered = &series;
+    fImageCount = count;
+    fLastComponent = std::max(fLastComponent, utils.GetLastComponent(uid));
+    return uid;
 }
 
 // ---- Writing an image ----

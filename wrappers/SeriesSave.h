@@ -11,6 +11,7 @@
 
 namespace Vantor {
 class TImageDoc;
+class TSeriesDoc;
 }
 
 namespace VantorWrappers {
@@ -38,6 +39,9 @@ class SeriesSave {
     Vantor::TImageDoc* FindImage(const ImageDirRec& image);
     VantorHost::AxDicomImage* FindControl(const ImageControls& controls, size_t index);
 
+    // A UID for the next image of a series. One series is numbered at a time.
+    std::string MakeImageUID(Vantor::TSeriesDoc& series);
+
     // Has a control write its image, the one at `index` of `count`, and waits for it. False when it failed,
     // which is noted.
     bool Write(VantorHost::AxDicomImage& control, size_t index, size_t count);
@@ -52,6 +56,12 @@ class SeriesSave {
     LuminaError& fResult;
     VantorHost::TraceArea fArea;
     int32_t fStallLimit;
+
+    // The series that is numbered, how many images it had when its last UID was made, and that UID's last
+    // component.
+    const Vantor::TSeriesDoc* fNumbered = nullptr;
+    int32_t fImageCount = 0;
+    int32_t fLastComponent = 0;
 };
 
 }  // namespace VantorWrappers

@@ -339,7 +339,7 @@ void SeriesSaveAs::SaveImage(AxDicomImage& control, size_t index, size_t count) 
     const bool isMade =
         series != nullptr && Succeeds([&] {
             image = std::make_unique<TImageDoc>(nullptr, nullptr, FindDirectory()->GetImageSetting());
-            uid = TDicomUtils().CreateNewImageUID(*series);
+            uid = MakeImageUID(*series);
             image->SetSOPInstanceUID(uid.c_str());
             image->SetImageNumber(number);
         });

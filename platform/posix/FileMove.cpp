@@ -92,9 +92,8 @@ void MoveFileReplacing(const std::string& from, const std::string& to) {
     // A file made as a temporary one is its maker's alone; in place of another it is for the same people.
     if (isReplacing) {
         chmod(target.fPath.c_str(), replaced.st_mode & kRightsMask);
-    } else {
-        NoteAdded(target.fPath);
     }
+    NoteAdded(target.fPath);
 }
 
 }  // namespace Vantor::Platform

@@ -150,9 +150,7 @@ class FileReplacement::State {
         auto claim = std::make_shared<Descriptor>(OpenLocked(fNeighbour.GetPath(), FileAccess::kRead));
         const FileMark mark = MakeMark(*claim);
         fNeighbour.TakePlaceOfTarget();
-        if (!replaced) {
-            NoteAdded(fTarget);
-        }
+        NoteAdded(fTarget);
         // The lock on the old file binds nobody any more. The one on the new file, which was there before
         // anybody could open it, lets in readers only.
         if (auto* const claimed = dynamic_cast<ClaimedFile*>(held)) {

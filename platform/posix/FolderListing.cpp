@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <memory>
+#include <mutex>
 
 namespace Vantor::Platform {
 
@@ -15,6 +16,8 @@ namespace {
 constexpr int64_t kTickInSeconds = 2;
 
 constexpr size_t kListingsKept = 8;
+
+std::mutex gKeptListings;
 
 std::string InLowerCase(std::string_view name) {
     std::string lower(name);
@@ -43,7 +46,37 @@ bool IsJustNow(const timespec& time) {
 
 }  // namespace
 
-const FolderListing& FolderListing::Of(const std::string& folder) {
+std::optional<std::string> FolderListing::Find(const std::string& folder, std::string_view name) {
+    const std::lock_guard lock(gKeptListings);
+    const FolderListing& listing = Current(folder);
+    const auto found = listing.fSpellings.find(InLowerCase(name));
+    return found != listing.fSpellings.end() ? std::optional(found->second) : std::nullopt;
+}
+
+void FolderListing::NoteAdded(const std::string& folder, std::string_view name) {
+    const std::lock_guard lock(gKeptListings);
+    const auto kept = FindKept(folder);
+    if (kept != KeptListings().end()) {
+        kept->Enter(name);
+        kept->TakeState();
+    }
+}
+
+void FolderListing::NoteAddedForNow(const std::string& folder) {
+    const std::lock_guard lock(gKeptListings);
+    const auto kept = FindKept(folder);
+    if (kept != KeptListings().end()) {
+        kept->TakeState();
+    }
+}
+
+// Used last first. The caller holds the lock, here and below.
+FolderListing::Listings& FolderListing::KeptListings() {
+    static Listings listings;
+    return listings;
+}
+
+const FolderListing& FolderListing::Current(const std::string& folder) {
     Listings& listings = KeptListings();
     const auto kept = FindKept(folder);
     if (kept != listings.end()) {
@@ -58,25 +91,6 @@ const FolderListing& FolderListing::Of(const std::string& folder) {
         listings.front().Read();
     }
     return listings.front();
-}
-
-void FolderListing::NoteAdded(const std::string& folder, std::string_view name) {
-    const auto kept = FindKept(folder);
-    if (kept != KeptListings().end()) {
-        kept->Enter(name);
-        kept->fMayMissChanges = stat(folder.c_str(), &kept->fState) != 0;
-    }
-}
-
-const std::string* FolderListing::Find(std::string_view name) const {
-    const auto found = fSpellings.find(InLowerCase(name));
-    return found != fSpellings.end() ? &found->second : nullptr;
-}
-
-// Used last first.
-FolderListing::Listings& FolderListing::KeptListings() {
-    thread_local Listings listings;
-    return listings;
 }
 
 FolderListing::Listings::iterator FolderListing::FindKept(const std::string& folder) {
@@ -102,6 +116,8 @@ void FolderListing::Read() {
         Enter(entry->d_name);
     }
 }
+
+void FolderListing::TakeState() { fMayMissChanges = stat(fFolder.c_str(), &fState) != 0; }
 
 void FolderListing::Enter(std::string_view name) {
     const auto [entry, isNew] = fSpellings.try_emplace(InLowerCase(name), name);

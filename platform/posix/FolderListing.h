@@ -3,28 +3,29 @@
 #include <sys/stat.h>
 
 #include <list>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 
 namespace Vantor::Platform {
 
-// The names in one folder, to be found without regard to the case of ASCII letters. Each thread keeps the
-// listings that it used last, so that a medium whose names are spelled otherwise than a DICOMDIR spells them,
-// and a folder that a series is written into, are not read again for every file.
+// The names in one folder, to be found without regard to the case of ASCII letters. The listings used last
+// are kept, for all threads together, so that a medium whose names are spelled otherwise than a DICOMDIR
+// spells them, and a folder that a series is written into, are not read again for every file. Any thread may
+// call.
 class FolderListing {
   public:
-    // The folder's names as they are now, valid until this thread's next call. A folder that cannot be read
-    // has none.
-    static const FolderListing& Of(const std::string& folder);
+    // How a name in the folder is spelled on disk now; none when it is not there or the folder cannot be
+    // read. Of several spellings the first in byte order, so upper case before lower case.
+    static std::optional<std::string> Find(const std::string& folder, std::string_view name);
 
     // Enters a name that this process has just added to the folder, which was as listed until then. So a
     // writer of many files goes on with one listing; it may miss a name that others add at the same moment.
     static void NoteAdded(const std::string& folder, std::string_view name);
 
-    // How the name is spelled on disk; null when there is none. Of several spellings the first in byte
-    // order, so upper case before lower case.
-    const std::string* Find(std::string_view name) const;
+    // The same for a name that only this process uses and soon takes away, which is not entered.
+    static void NoteAddedForNow(const std::string& folder);
 
   private:
     using Listings = std::list<FolderListing>;
@@ -33,11 +34,13 @@ class FolderListing {
 
     static Listings& KeptListings();
     static Listings::iterator FindKept(const std::string& folder);
+    static const FolderListing& Current(const std::string& folder);
 
     // True when the folder is certainly as it was when it was read. Its time stamp tells, but not that of a
     // folder that was changed shortly before: file systems count in ticks, and two changes may fall into one.
     bool IsCurrent() const;
     void Read();
+    void TakeState();
     void Enter(std::string_view name);
 
     std::string fFolder;

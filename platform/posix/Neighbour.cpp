@@ -9,6 +9,7 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/posix/PathLookup.h"
 #include "platform/posix/SystemError.h"
 
 namespace Vantor::Platform {
@@ -53,6 +54,7 @@ Neighbour::Neighbour(const std::string& target, mode_t rights) : fTarget(target)
     if (!fDescriptor.IsOpen()) {
         ThrowFileError(errno, target);
     }
+    NoteAddedForNow(fPath);
 }
 
 Neighbour::~Neighbour() {

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <optional>
 
 #include "platform/posix/FolderListing.h"
 #include "platform/posix/SystemError.h"
@@ -32,8 +33,8 @@ bool AppendAsOnDisk(std::string& folder, const std::string& name) {
         folder += name;
         return true;
     }
-    const std::string* spelling = FolderListing::Of(FolderOrHere(folder)).Find(name);
-    if (spelling == nullptr) {
+    const std::optional<std::string> spelling = FolderListing::Find(FolderOrHere(folder), name);
+    if (!spelling) {
         return false;
     }
     folder += *spelling;
@@ -67,6 +68,10 @@ LookedUpPath LookUpPath(const std::string& path) {
 void NoteAdded(const std::string& path) {
     const size_t nameStart = NameStart(path);
     FolderListing::NoteAdded(FolderOrHere(path.substr(0, nameStart)), path.substr(nameStart));
+}
+
+void NoteAddedForNow(const std::string& path) {
+    FolderListing::NoteAddedForNow(FolderOrHere(path.substr(0, NameStart(path))));
 }
 
 void ThrowPathError(int error, const std::string& path) {

@@ -21,6 +21,9 @@ LookedUpPath LookUpPath(const std::string& path);
 // Tells the lookup that this process has just added the file at a path that LookUpPath gave.
 void NoteAdded(const std::string& path);
 
+// The same for a file beside another that is going to be renamed or removed, and never looked up.
+void NoteAddedForNow(const std::string& path);
+
 // Runs a system call that takes a path and gives a negative number and errno on failure: with the path as
 // spelled and, if it does not exist so, once more as spelled on disk.
 template <typename Call>
