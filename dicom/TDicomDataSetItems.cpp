@@ -140,12 +140,18 @@ class TDicomDataSet::ContentMeasurer {
         int64_t fPosition = 0;
     };
 
-    // Passes one element of an item. The item's length at its end; 0 for one without delimiter, which inside
-    // other content leaves nothing to go on with.
+    // Passes the elements of an item up to one of undefined length. The item's length at its end; 0 for one
+    // without delimiter, which inside other content leaves nothing to go on with.
     std::optional<int64_t> StepInItem() {
-        const auto position = static_cast<int32_t>(std::min<int64_t>(fContent.fPosition, fDataSet.fUsedSize));
+        auto position = static_cast<int32_t>(std::min<int64_t>(fContent.fPosition, fDataSet.fUsedSize));
         Header header;
-        if (!fDataSet.DecodeHeader(position, header) || header.fTag.fGroup > Tags::kItemDelimitation.fGroup) {
+        bool isThere = fDataSet.DecodeHeader(position, header);
+        while (isThere && header.fTag.fGroup < Tags::kItemDelimitation.fGroup &&
+               header.fRawLength != kUndefinedLength) {
+            position = fDataSet.StepInSearch(position, header);
+            isThere = fDataSet.DecodeHeader(position, header);
+        }
+        if (!isThere || header.fTag.fGroup > Tags::kItemDelimitation.fGroup) {
             if (!fEnclosing.empty()) ThrowInvalidLength();
             return 0;
         }
@@ -153,12 +159,9 @@ class TDicomDataSet::ContentMeasurer {
         if (header.fTag.fGroup == Tags::kItemDelimitation.fGroup) {
             throw new TException(ErrorNumbers::kSequenceStructure, "Unterminated item");
         }
-        if (header.fRawLength == kUndefinedLength) {
-            fDataSet.CheckSequence(position, header);
-            Enter(false, position + header.fSize);
-        } else {
-            fContent.fPosition = fDataSet.StepInSearch(position, header);
-        }
+        fDataSet.CheckSequence(position, header);
+        fContent.fPosition = position;
+        Enter(false, position + header.fSize);
         return std::nullopt;
     }
 

@@ -48,6 +48,10 @@ inline constexpr Tag kContentTime{0x0008, 0x0033};
 inline constexpr Tag kAccessionNumber{0x0008, 0x0050};
 inline constexpr Tag kModality{0x0008, 0x0060};
 inline constexpr Tag kReferringPhysicianName{0x0008, 0x0090};
+inline constexpr Tag kCodeValue{0x0008, 0x0100};
+inline constexpr Tag kCodingSchemeDesignator{0x0008, 0x0102};
+inline constexpr Tag kCodingSchemeVersion{0x0008, 0x0103};
+inline constexpr Tag kCodeMeaning{0x0008, 0x0104};
 inline constexpr Tag kStudyDescription{0x0008, 0x1030};
 inline constexpr Tag kSeriesDescription{0x0008, 0x103E};
 inline constexpr Tag kReferencedSOPClassUID{0x0008, 0x1150};
@@ -72,9 +76,24 @@ inline constexpr Tag kBitsAllocated{0x0028, 0x0100};
 inline constexpr Tag kRedPaletteDescriptor{0x0028, 0x1101};
 inline constexpr Tag kLargeRedPaletteDescriptor{0x0028, 0x1111};
 
+inline constexpr Tag kMeasurementUnitsCodeSequence{0x0040, 0x08EA};
+inline constexpr Tag kRelationshipType{0x0040, 0xA010};
+inline constexpr Tag kObservationDateTime{0x0040, 0xA032};
+inline constexpr Tag kValueType{0x0040, 0xA040};
+inline constexpr Tag kConceptNameCodeSequence{0x0040, 0xA043};
+inline constexpr Tag kContinuityOfContent{0x0040, 0xA050};
+inline constexpr Tag kDateTime{0x0040, 0xA120};
+inline constexpr Tag kDate{0x0040, 0xA121};
+inline constexpr Tag kTime{0x0040, 0xA122};
+inline constexpr Tag kPersonName{0x0040, 0xA123};
 inline constexpr Tag kReportStatus{0x0040, 0xA125};
+inline constexpr Tag kTextValue{0x0040, 0xA160};
+inline constexpr Tag kConceptCodeSequence{0x0040, 0xA168};
+inline constexpr Tag kMeasuredValueSequence{0x0040, 0xA300};
+inline constexpr Tag kNumericValue{0x0040, 0xA30A};
 inline constexpr Tag kCompletionFlag{0x0040, 0xA491};
 inline constexpr Tag kVerificationFlag{0x0040, 0xA493};
+inline constexpr Tag kContentSequence{0x0040, 0xA730};
 
 // What a workstation's exam layout leaves in the study record: the creator, and the exam's folder.
 inline constexpr Tag kExamCreator{0x7FDF, 0x0010};

@@ -15,6 +15,7 @@
 #include "platform/CodePage.h"
 #include "platform/FileException.h"
 #include "platform/MappedFile.h"
+#include "wrappers/DataSetText.h"
 #include "wrappers/ValueText.h"
 
 namespace VantorWrappers {
@@ -86,33 +87,10 @@ void CheckIdentity(const TDicomDataSet& dataSet) {
 
 // ---- Values ----
 
-// How far behind its limit a text is looked at, for the rest of a character that stands across it.
-constexpr uint32_t kLongestCharacter = 4;
-
-// Finds an element that is there whole: half a patient ID is another patient's. `value` may be null.
-bool FindWhole(const TDicomDataSet& dataSet, Tag tag, uint32_t& length, void* value, uint32_t capacity,
-               int32_t& offset) {
-    if (!dataSet.FindElement(tag, nullptr, &length, value, capacity, &offset)) return false;
-    if (dataSet.GetNextElementOffset(offset) == 0) {
-        throw new TException(ErrorNumbers::kRecordStructure,
-                             "Invalid DICOM element length, longer than the data set.");
-    }
-    return true;
-}
-
-// The first `maxLength` bytes of a value, up to a NUL; none when the element is absent. The bytes behind
-// them tell where a character ends.
-std::optional<std::string> ReadText(const TDicomDataSet* dataSet, Tag tag, uint32_t maxLength) {
-    if (dataSet == nullptr) return std::nullopt;
-    const uint32_t capacity = maxLength + kLongestCharacter;
-    std::string text(capacity, '\0');
-    uint32_t length = 0;
-    int32_t offset = 0;
-    if (!FindWhole(*dataSet, tag, length, text.data(), capacity, offset)) return std::nullopt;
-    text.resize(std::min(length, capacity));
-    text.resize(std::min(text.find('\0'), text.size()));
-    text.resize(Vantor::Platform::CutPosition(text, maxLength));
-    return text;
+// The text of an element, "" when it is absent or there is no data set.
+std::string ReadText(const TDicomDataSet* dataSet, Tag tag, uint32_t maxLength) {
+    return dataSet == nullptr ? std::string()
+                              : std::string(ViewText(*dataSet, tag, maxLength).value_or(std::string_view()));
 }
 
 // ---- Dumps ----
@@ -339,16 +317,15 @@ std::vector<HostString> DicomFileInfo::GetSourceImageInstanceUIDs() const {
 }
 
 HostString DicomFileInfo::GetString(Tag tag, uint32_t maxLength) const {
-    return Vantor::Platform::ToHostText(ReadText(fDicomDataSet, tag, maxLength).value_or(std::string()));
+    return Vantor::Platform::ToHostText(ReadText(fDicomDataSet, tag, maxLength));
 }
 
 int32_t DicomFileInfo::GetInt(Tag tag) const {
-    const std::optional<std::string> text = ReadText(fDicomDataSet, tag, kNumberLength);
-    return text ? ParseInteger(*text) : kNoInteger;
+    return ParseInteger(ReadText(fDicomDataSet, tag, kNumberLength));
 }
 
 std::optional<HostDateTime> DicomFileInfo::GetDate(Tag tag) const {
-    const std::string stored = ReadText(fDicomDataSet, tag, kDateLength).value_or(std::string());
+    const std::string stored = ReadText(fDicomDataSet, tag, kDateLength);
     if (stored.empty()) return std::nullopt;
     char digits[Vantor::TVRUtil::kDateOutputSize] = {};
     Vantor::TVRUtil().DicomDateToCString(stored.c_str(), digits, sizeof(digits),
@@ -360,7 +337,7 @@ std::optional<HostDateTime> DicomFileInfo::GetDate(Tag tag) const {
 
 std::optional<HostDateTime> DicomFileInfo::GetTime(Tag dateTag, Tag timeTag) const {
     const std::optional<HostDateTime> date = GetDate(dateTag);
-    const std::string stored = ReadText(fDicomDataSet, timeTag, kTimeLength).value_or(std::string());
+    const std::string stored = ReadText(fDicomDataSet, timeTag, kTimeLength);
     if (!date || stored.empty()) return std::nullopt;
     const std::optional<std::chrono::seconds> timeOfDay = ParseTimeOfDay(stored);
     if (!timeOfDay) throw FormatError("not a time: " + stored);
@@ -372,7 +349,7 @@ std::vector<HostString> DicomFileInfo::GetSourceImageUIDs(Tag tag) const {
     uint32_t length = 0;
     int32_t sequence = 0;
     if (fDicomDataSet == nullptr ||
-        !FindWhole(*fDicomDataSet, Tags::kSourceImageSequence, length, nullptr, 0, sequence) || length == 0) {
+        !FindWhole(*fDicomDataSet, Tags::kSourceImageSequence, length, sequence) || length == 0) {
         return uids;
     }
 
@@ -384,7 +361,7 @@ std::vector<HostString> DicomFileInfo::GetSourceImageUIDs(Tag tag) const {
         const auto itemSize = static_cast<int32_t>(itemLength);
         const TDicomDataSet item(fDicomDataSet->IsExplicit(), fDicomDataSet->IsBigEndian(),
                                  fDicomDataSet->GetDataSet() + itemOffset, itemSize, itemSize);
-        if (const std::optional<std::string> uid = ReadText(&item, tag, kUidLength)) {
+        if (const auto uid = ViewText(item, tag, kUidLength)) {
             uids.push_back(Vantor::Platform::ToHostText(*uid));
         }
     }

@@ -9,4 +9,12 @@ HostString Trimmed(const HostString& text) {
     return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
+HostString UpperCased(const HostString& text) {
+    HostString upper(text);
+    for (wchar_t& letter : upper) {
+        if (letter >= L'a' && letter <= L'z') letter = static_cast<wchar_t>(letter - L'a' + L'A');
+    }
+    return upper;
+}
+
 }  // namespace VantorWrappers

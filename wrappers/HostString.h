@@ -10,4 +10,7 @@ using HostString = std::wstring;
 // The text without the blanks, tabs and line ends around it.
 HostString Trimmed(const HostString& text);
 
+// The text with the letters of ASCII in upper case.
+HostString UpperCased(const HostString& text);
+
 }  // namespace VantorWrappers

@@ -11,6 +11,7 @@ namespace {
 constexpr size_t kYearLength = 4;
 constexpr size_t kMonthStart = 4;
 constexpr size_t kDayStart = 6;
+constexpr size_t kDateLength = 8;
 constexpr size_t kHoursStart = 0;
 constexpr size_t kMinutesStart = 2;
 constexpr size_t kSecondsStart = 4;
@@ -76,6 +77,15 @@ std::optional<std::chrono::seconds> ParseTimeOfDay(std::string_view text) {
     if (!hours || !minutes || !seconds) return std::nullopt;
     return std::chrono::hours(*hours) + std::chrono::minutes(*minutes) +
            std::chrono::seconds(std::min(*seconds, kLeapSecond - 1));
+}
+
+std::optional<HostDateTime> ParseDateTime(std::string_view text) {
+    constexpr std::string_view kOffsetSigns = "+-";
+    const std::string_view moment = text.substr(0, text.find_first_of(kOffsetSigns));
+    const std::optional<HostDateTime> date = ParseDate(moment);
+    if (!date || moment.size() == kDateLength) return date;
+    const std::optional<std::chrono::seconds> timeOfDay = ParseTimeOfDay(moment.substr(kDateLength));
+    return timeOfDay ? std::optional(*date + *timeOfDay) : std::nullopt;
 }
 
 }  // namespace VantorWrappers

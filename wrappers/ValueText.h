@@ -26,4 +26,8 @@ std::optional<HostDateTime> ParseDate(std::string_view text);
 // have none.
 std::optional<std::chrono::seconds> ParseTimeOfDay(std::string_view text);
 
+// A moment: a date, and the time of day behind it as above, midnight when it ends with the date. An offset
+// from universal time is not looked at. None when either part is none.
+std::optional<HostDateTime> ParseDateTime(std::string_view text);
+
 }  // namespace VantorWrappers

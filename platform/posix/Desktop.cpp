@@ -34,15 +34,26 @@ tm CalendarDay(int year, int month, int day) {
     return result;
 }
 
+std::wstring Format(const char* pattern, const tm& moment) {
+    constexpr size_t kLongest = 256;
+    static const Locale& locale = *new Locale(UsersLocale());  // never destroyed: see platform/Clock.cpp
+    std::array<char, kLongest> text = {};
+    const size_t length = strftime_l(text.data(), text.size(), pattern, &moment, locale.get());
+    return ToHostText({text.data(), length});
+}
+
 }  // namespace
 
 std::wstring FormatShortDate(int year, int month, int day) {
-    constexpr size_t kLongest = 256;
-    static const Locale& locale = *new Locale(UsersLocale());  // never destroyed: see platform/Clock.cpp
-    const tm date = CalendarDay(year, month, day);
-    std::array<char, kLongest> text = {};
-    const size_t length = strftime_l(text.data(), text.size(), "%x", &date, locale.get());
-    return ToHostText({text.data(), length});
+    return Format("%x", CalendarDay(year, month, day));
+}
+
+std::wstring FormatLongTime(int hours, int minutes, int seconds) {
+    tm time = {};
+    time.tm_hour = hours;
+    time.tm_min = minutes;
+    time.tm_sec = seconds;
+    return Format("%X", time);
 }
 
 void ShowMessage(const std::wstring& title, const std::wstring& text) { WriteMessageLine(title, text); }

@@ -86,6 +86,17 @@ std::wstring FormatShortDate(int year, int month, int day) {
     return Format(CalendarDay(year + cycles * kYearsOfCycle, month, day), pattern.c_str());
 }
 
+std::wstring FormatLongTime(int hours, int minutes, int seconds) {
+    constexpr size_t kLongest = 128;
+    SYSTEMTIME time = {};
+    time.wHour = static_cast<WORD>(hours);
+    time.wMinute = static_cast<WORD>(minutes);
+    time.wSecond = static_cast<WORD>(seconds);
+    std::array<wchar_t, kLongest> text = {};
+    GetTimeFormatEx(LOCALE_NAME_USER_DEFAULT, 0, &time, nullptr, text.data(), static_cast<int>(text.size()));
+    return text.data();
+}
+
 void ShowMessage(const std::wstring& title, const std::wstring& text) {
     constexpr UINT kStyle = MB_OK | MB_ICONERROR | MB_TASKMODAL | MB_SETFOREGROUND;
     if (!HasVisibleDesktop() || MessageBoxW(nullptr, text.c_str(), title.c_str(), kStyle) <= 0) {

@@ -1,0 +1,18 @@
+#include "sr/SRDateTimeContentItem.h"
+
+#include "sr/SRItemReader.h"
+
+namespace VantorWrappers {
+
+using Vantor::TDicomDataSet;
+namespace Tags = Vantor::Tags;
+
+SRDateTimeContentItem::SRDateTimeContentItem(const TDicomDataSet* dataSet, const HostString& nodeNumber) {
+    Construct(dataSet, nodeNumber, kNoDataSet);
+}
+
+void SRDateTimeContentItem::ParseValue(const TDicomDataSet& dataSet) {
+    SetValue(ReadMoment(dataSet, Tags::kDateTime));
+}
+
+}  // namespace VantorWrappers

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+
+#include "dicom/TDicomDataSet.h"
+
+namespace VantorWrappers {
+
+// A data set over a part of another one, which is only read. The other one must outlive it.
+Vantor::TDicomDataSet WrapPart(const Vantor::TDicomDataSet& whole, int32_t offset, uint32_t length);
+
+// Walks through the items of a sequence, which must outlive this object. Throws Vantor::TException* for an
+// element that is no sequence and for items that do not end.
+class SequenceItems {
+  public:
+    // At first in front of the first item. `sequenceOffset` is where the sequence's element starts.
+    SequenceItems(const Vantor::TDicomDataSet& dataSet, int32_t sequenceOffset)
+        : fDataSet(&dataSet), fSequenceOffset(sequenceOffset) {}
+
+    // Steps to the next item. False when there is none.
+    bool Next();
+
+    // How many times Next has found one.
+    int32_t GetCount() const { return fCount; }
+
+    // True for an item without content, which holds no data set.
+    bool IsEmpty() const { return fItemLength == 0; }
+
+    // A data set over the item's content.
+    Vantor::TDicomDataSet Wrap() const { return WrapPart(*fDataSet, fItemOffset, fItemLength); }
+
+  private:
+    const Vantor::TDicomDataSet* fDataSet;
+    int32_t fSequenceOffset;
+    int32_t fItemOffset = Vantor::TDicomDataSet::kFromStart;
+    uint32_t fItemLength = 0;
+    int32_t fCount = 0;
+};
+
+}  // namespace VantorWrappers
