@@ -47,6 +47,11 @@ TDicomDataSet::TDicomDataSet(bool isExplicit, bool isBigEndian, void* buffer, in
       fUsedSize(std::max(usedSize, 0)),
       fCapacity(std::max(capacity, 0)) {}
 
+TDicomDataSet::TDicomDataSet(const TDicomDataSet& whole, int32_t offset, int32_t size)
+    : TDicomDataSet(whole.IsExplicit(), whole.IsBigEndian(), whole.fBuffer + offset, size, size) {
+    fMeasuredLengths = whole.fMeasuredLengths;
+}
+
 TDicomDataSet::~TDicomDataSet() {
     if (fOwnsBuffer) std::free(fBuffer);
     fSignature = 0;
@@ -173,7 +178,7 @@ VrCode TDicomDataSet::VrOf(const Header& header) const {
 uint32_t TDicomDataSet::LengthOf(int32_t offset, const Header& header) const {
     if (header.fRawLength != kUndefinedLength) return header.fRawLength;
     CheckSequence(offset, header);
-    return MeasureSequence(offset + header.fSize);
+    return Measure(false, offset + header.fSize);
 }
 
 int32_t TDicomDataSet::NextOffset(int32_t offset, const Header& header, uint32_t length) const {

@@ -46,6 +46,9 @@ class TDicomDataSet {
     // `capacity` bytes. Anything that needs more room throws TException 100.
     TDicomDataSet(bool isExplicit, bool isBigEndian, void* buffer, int32_t capacity, int32_t usedSize);
 
+    // A data set over a part of another one, in the same encoding; only read. The other one must outlive it.
+    TDicomDataSet(const TDicomDataSet& whole, int32_t offset, int32_t size);
+
     ~TDicomDataSet();
     TDicomDataSet(const TDicomDataSet&) = delete;
     TDicomDataSet& operator=(const TDicomDataSet&) = delete;
@@ -63,6 +66,11 @@ class TDicomDataSet {
     // Sets the number of bytes in use of an owning data set, growing it as needed, for a caller that fills
     // them in. Does nothing for a wrapping one or a negative size. Throws TException 100.
     void SetDataSetSize(int32_t size);
+
+    // Has this data set, and those made over parts of it from now on, remember the lengths that they measure,
+    // so that content of undefined length is measured once however deep it lies. None of them may be changed
+    // afterwards.
+    void RememberLengths();
 
     // Two values kept for the caller and not looked at.
     void SetUserValues(uintptr_t first, uintptr_t second);
@@ -243,6 +251,7 @@ class TDicomDataSet {
     };
     struct DumpSink;
     class ContentMeasurer;
+    class MeasuredLengths;
     enum class ValueForm {
         kMachine,
         kEncoded
@@ -300,8 +309,7 @@ class TDicomDataSet {
     Header SequenceHeaderAt(int32_t offset) const;
     bool TakeItem(int64_t itemOffset, int32_t sequenceEnd, int32_t* itemOffsetOut,
                   uint32_t* itemLengthOut) const;
-    uint32_t MeasureSequence(int32_t contentOffset) const;
-    uint32_t MeasureItem(int32_t contentOffset) const;
+    uint32_t Measure(bool isItem, int32_t contentOffset) const;
     void MakeSequence(int32_t sequenceOffset);
     void WriteSequenceLength(int32_t sequenceOffset, uint32_t length);
     bool IsKnownSequence(const Header& header) const;
@@ -340,6 +348,7 @@ class TDicomDataSet {
     uint32_t fDictionaryLength = 0;
     uintptr_t fUserValues[2] = {0, 0};
     std::shared_ptr<const TDicomDictionary> fDictionary;  // shared with the data sets over this one's items
+    std::shared_ptr<MeasuredLengths> fMeasuredLengths;    // likewise; null unless they are remembered
 
     // Where the last element and its group's length are while elements are put in order, −1 when not known:
     // they save the walk to the end for each new element. Forgotten when anything but the end changes, and

@@ -59,7 +59,7 @@ bool TDicomDataSet::TakeItem(int64_t itemOffset, int32_t sequenceEnd, int32_t* i
                              uint32_t* itemLengthOut) const {
     if (itemOffset > sequenceEnd) return false;
     const auto offset = static_cast<int32_t>(itemOffset);
-    const TDicomDataSet upToEnd(fIsExplicit, fIsBigEndian, fBuffer, sequenceEnd, sequenceEnd);
+    const TDicomDataSet upToEnd(*this, 0, sequenceEnd);
     const uint32_t length = upToEnd.GetItemLength(offset);
     const bool isUndefined = ReadNumber32(offset - kLengthSize) == kUndefinedLength;
     const int64_t end = itemOffset + length + (isUndefined ? kDelimiterSize : 0);
@@ -113,21 +113,58 @@ uint32_t TDicomDataSet::GetItemLength(int32_t itemOffset) const {
     CheckConstructed();
     if (itemOffset < kItemHeaderSize || itemOffset > fUsedSize) return 0;
     const uint32_t length = ReadNumber32(itemOffset - kLengthSize);
-    return length == kUndefinedLength ? MeasureItem(itemOffset) : length;
+    return length == kUndefinedLength ? Measure(true, itemOffset) : length;
 }
+
+// The lengths of content of undefined length, in the order in which it starts. Only what starts behind all
+// that is known is added: whoever goes through a data set from front to back finds everything here.
+class TDicomDataSet::MeasuredLengths {
+  public:
+    // Notes where content starts, and gives its place in the list; none when it is not added.
+    std::optional<size_t> Begin(const uint8_t* start) {
+        if (!fContents.empty() && start <= fContents.back().fStart) return std::nullopt;
+        fContents.push_back({start, 0});
+        return fContents.size() - 1;
+    }
+
+    void End(size_t place, uint32_t length) { fContents[place].fLength = length; }
+
+    // None for what is not known, or has no end or no content.
+    std::optional<uint32_t> Find(const uint8_t* start) {
+        const bool isNext = fNext < fContents.size() && fContents[fNext].fStart == start;
+        const auto found = isNext ? fContents.begin() + static_cast<std::ptrdiff_t>(fNext)
+                                  : std::lower_bound(fContents.begin(), fContents.end(), start, StartsBefore);
+        if (found == fContents.end() || found->fStart != start || found->fLength == 0) return std::nullopt;
+        fNext = static_cast<size_t>(found - fContents.begin()) + 1;
+        return found->fLength;
+    }
+
+  private:
+    struct Content {
+        const uint8_t* fStart;
+        uint32_t fLength;  // 0 until it is known
+    };
+
+    static bool StartsBefore(const Content& content, const uint8_t* start) { return content.fStart < start; }
+
+    std::vector<Content> fContents;
+    size_t fNext = 0;  // behind what was found last
+};
 
 // Measures content of undefined length: an item's up to its delimiter, a sequence's up to and with its
 // delimiter. Content within content is kept on a list of its own rather than on the call stack, so that a
 // medium with a hundred thousand levels costs no more than its bytes.
 class TDicomDataSet::ContentMeasurer {
   public:
-    explicit ContentMeasurer(const TDicomDataSet& dataSet) : fDataSet(dataSet) {}
+    explicit ContentMeasurer(const TDicomDataSet& dataSet)
+        : fDataSet(dataSet), fLengths(dataSet.fMeasuredLengths.get()) {}
 
     uint32_t Measure(bool isItem, int64_t start) {
-        fContent = {isItem, start, start};
+        Begin(isItem, start);
         for (;;) {
             const std::optional<int64_t> length = fContent.fIsItem ? StepInItem() : StepInSequence();
             if (!length) continue;
+            if (fContent.fPlace) fLengths->End(*fContent.fPlace, static_cast<uint32_t>(*length));
             if (fEnclosing.empty()) return static_cast<uint32_t>(*length);
             ReturnToEnclosing(fContent.fStart + *length);
         }
@@ -138,6 +175,7 @@ class TDicomDataSet::ContentMeasurer {
         bool fIsItem = false;
         int64_t fStart = 0;
         int64_t fPosition = 0;
+        std::optional<size_t> fPlace;  // in fLengths
     };
 
     // Passes the elements of an item up to one of undefined length. The item's length at its end; 0 for one
@@ -187,7 +225,12 @@ class TDicomDataSet::ContentMeasurer {
 
     void Enter(bool isItem, int64_t start) {
         fEnclosing.push_back(fContent);
-        fContent = {isItem, start, start};
+        Begin(isItem, start);
+    }
+
+    void Begin(bool isItem, int64_t start) {
+        fContent = {isItem, start, start, std::nullopt};
+        if (fLengths != nullptr) fContent.fPlace = fLengths->Begin(fDataSet.fBuffer + start);
     }
 
     // Goes on behind content that ended. An item's delimiter is not part of its length, a sequence's is.
@@ -204,16 +247,21 @@ class TDicomDataSet::ContentMeasurer {
     }
 
     const TDicomDataSet& fDataSet;
+    MeasuredLengths* fLengths;  // null unless they are remembered
     Content fContent;
     std::vector<Content> fEnclosing;
 };
 
-uint32_t TDicomDataSet::MeasureSequence(int32_t contentOffset) const {
-    return ContentMeasurer(*this).Measure(false, contentOffset);
+uint32_t TDicomDataSet::Measure(bool isItem, int32_t contentOffset) const {
+    if (fMeasuredLengths != nullptr) {
+        const auto known = fMeasuredLengths->Find(fBuffer + contentOffset);
+        if (known && *known <= static_cast<uint32_t>(fUsedSize - contentOffset)) return *known;
+    }
+    return ContentMeasurer(*this).Measure(isItem, contentOffset);
 }
 
-uint32_t TDicomDataSet::MeasureItem(int32_t contentOffset) const {
-    return ContentMeasurer(*this).Measure(true, contentOffset);
+void TDicomDataSet::RememberLengths() {
+    if (fMeasuredLengths == nullptr) fMeasuredLengths = std::make_shared<MeasuredLengths>();
 }
 
 // ---- Changing ----

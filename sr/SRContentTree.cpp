@@ -54,7 +54,9 @@ std::unique_ptr<SRContentItem> MakeItem(std::string_view valueType) {
 }  // namespace
 
 SRContentTree::Level::Level(SRContentItem& item, const TDicomDataSet& dataSet)
-    : fItem(item), fDataSet(WrapPart(dataSet, 0, static_cast<uint32_t>(dataSet.GetDataSetSize()))) {}
+    : fItem(item), fDataSet(dataSet, 0, dataSet.GetDataSetSize()) {
+    fDataSet.RememberLengths();
+}
 
 SRContentTree::Level::Level(std::unique_ptr<SRContentItem> item, const SequenceItems& place)
     : fOwnedItem(std::move(item)), fItem(*fOwnedItem), fDataSet(place.Wrap()) {}
@@ -74,9 +76,8 @@ void SRContentTree::BeginTop() {
     level.fItem.TraceEntry();
     level.fItem.ParseCommonContentItemAttributes(level.fDataSet);
     // Half a report that passes for a whole one is worse than none.
-    uint32_t length = 0;
     int32_t offset = 0;
-    if (!FindWhole(level.fDataSet, Tags::kContentSequence, length, offset)) return;
+    if (!FindWhole(level.fDataSet, Tags::kContentSequence, offset)) return;
     if (fLevels.size() < SRContentItem::kDeepestNesting) {
         level.fBelow.emplace(level.fDataSet, offset);
     } else {

@@ -6,9 +6,6 @@
 
 namespace VantorWrappers {
 
-// A data set over a part of another one, which is only read. The other one must outlive it.
-Vantor::TDicomDataSet WrapPart(const Vantor::TDicomDataSet& whole, int32_t offset, uint32_t length);
-
 // Walks through the items of a sequence, which must outlive this object. Throws Vantor::TException* for an
 // element that is no sequence and for items that do not end.
 class SequenceItems {
@@ -27,7 +24,7 @@ class SequenceItems {
     bool IsEmpty() const { return fItemLength == 0; }
 
     // A data set over the item's content.
-    Vantor::TDicomDataSet Wrap() const { return WrapPart(*fDataSet, fItemOffset, fItemLength); }
+    Vantor::TDicomDataSet Wrap() const { return {*fDataSet, fItemOffset, static_cast<int32_t>(fItemLength)}; }
 
   private:
     const Vantor::TDicomDataSet* fDataSet;

@@ -183,8 +183,7 @@ bool StructuredReportIOD::ParseContentTree() {
         TraceWarning("No Document Content Macro found, no SR content will be parsed.");
         return false;
     }
-    const auto length = static_cast<uint32_t>(umDicomDataSet->GetDataSetSize() - offset);
-    const TDicomDataSet content = WrapPart(*umDicomDataSet, offset, length);
+    const TDicomDataSet content(*umDicomDataSet, offset, umDicomDataSet->GetDataSetSize() - offset);
     fRootContentItem = std::make_unique<SRContainerContentItem>(&content, kRootNode);
     return true;
 }

@@ -31,6 +31,12 @@ bool FindWhole(const TDicomDataSet& dataSet, Tag tag, uint32_t& length, int32_t&
     return true;
 }
 
+bool FindWhole(const TDicomDataSet& dataSet, Tag tag, int32_t& offset) {
+    if (!dataSet.FindElement(tag, nullptr, nullptr, nullptr, 0, &offset)) return false;
+    EndOfWhole(dataSet, offset);
+    return true;
+}
+
 std::string_view TextOfValue(std::string_view value, uint32_t maxLength) {
     const std::string_view start = value.substr(0, size_t{maxLength} + kLongestCharacter);
     const std::string_view text = start.substr(0, std::min(start.find('\0'), start.size()));

@@ -13,6 +13,7 @@ namespace VantorWrappers {
 
 // Finds an element at the top level; the outputs are filled when it is there.
 bool FindWhole(const Vantor::TDicomDataSet& dataSet, Vantor::Tag tag, uint32_t& length, int32_t& offset);
+bool FindWhole(const Vantor::TDicomDataSet& dataSet, Vantor::Tag tag, int32_t& offset);
 
 // The text of a value: its first `maxLength` bytes, up to a NUL, never cut inside a character of UTF-8. The
 // next kLongestCharacter bytes of the value tell where one ends.

@@ -358,9 +358,7 @@ std::vector<HostString> DicomFileInfo::GetSourceImageUIDs(Tag tag) const {
     uint32_t itemLength = 0;
     for (int32_t i = 0; i < count; ++i) {
         if (!fDicomDataSet->FindNextItem(sequence, itemOffset, itemLength, &itemOffset, &itemLength)) break;
-        const auto itemSize = static_cast<int32_t>(itemLength);
-        const TDicomDataSet item(fDicomDataSet->IsExplicit(), fDicomDataSet->IsBigEndian(),
-                                 fDicomDataSet->GetDataSet() + itemOffset, itemSize, itemSize);
+        const TDicomDataSet item(*fDicomDataSet, itemOffset, static_cast<int32_t>(itemLength));
         if (const auto uid = ViewText(item, tag, kUidLength)) {
             uids.push_back(Vantor::Platform::ToHostText(*uid));
         }

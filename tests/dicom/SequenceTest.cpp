@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <tuple>
 #include <utility>
 
@@ -178,6 +179,48 @@ TEST(Sequence, DamagedItemsEndTheWalk) {
         EXPECT_EQ(ThrownBy([&] { count = Over(bytes).CountItemsInSequence(0); }), failure);
         EXPECT_EQ(count, expected);
         EXPECT_NE(ThrownBy([&] { Over(bytes).FindElement(kBehind); }), "nothing");
+    }
+}
+
+// Every item within a data set, by its offset there and its length; damage where it ends the walk.
+void ListItems(const TDicomDataSet& dataSet, std::string& list) {
+    list += ThrownBy([&] {
+        int32_t element = TDicomDataSet::kFromStart;
+        VrCode vr = 0;
+        while (dataSet.GetNextElement(element, nullptr, nullptr, &vr, nullptr, nullptr, 0, &element)) {
+            if (vr != Vr::kSQ) continue;
+            int32_t offset = TDicomDataSet::kFromStart;
+            uint32_t length = 0;
+            while (dataSet.FindNextItem(element, offset, length, &offset, &length)) {
+                list.append("(").append(std::to_string(offset)).append("+").append(std::to_string(length));
+                ListItems(TDicomDataSet(dataSet, offset, static_cast<int32_t>(length)), list);
+                list += ")";
+            }
+        }
+    });
+}
+
+// Wherever a data set breaks off, remembered lengths lead to the same items as lengths that are measured
+// anew.
+TEST(Sequence, RememberedLengthsAreThoseMeasured) {
+    const auto nest = [](const std::vector<Bytes>& items, Lengths lengths) {
+        return ElementBuilder().Sequence(kSequence, items, lengths).Text(kBehind, Vr::kPN, "Doe").GetBytes();
+    };
+    const Bytes inner = nest({nest({}, Lengths::kUndefined), {}}, Lengths::kUndefined);
+    const Bytes middle = nest({inner, inner}, Lengths::kDefined);
+    const Bytes whole = nest({nest({middle, inner}, Lengths::kUndefined), inner}, Lengths::kUndefined);
+    for (size_t size = 0; size <= whole.size(); ++size) {
+        Bytes bytes(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(size));
+        const TDicomDataSet dataSet = Over(bytes);
+        TDicomDataSet remembering(dataSet, 0, dataSet.GetDataSetSize());
+        remembering.RememberLengths();
+        std::string measured;
+        std::string remembered;
+        ListItems(dataSet, measured);
+        ListItems(remembering, remembered);
+        EXPECT_EQ(remembered, measured) << size << " bytes";
+        const auto count = std::count(measured.begin(), measured.end(), '(');
+        EXPECT_TRUE(size < whole.size() || count == 14) << measured;
     }
 }
 
