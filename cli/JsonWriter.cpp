@@ -40,6 +40,21 @@ void JsonWriter::Add(const char* key, int32_t number) {
     fLine += std::to_string(number);
 }
 
+void JsonWriter::AddFlag(const char* key, bool isTrue) {
+    AddKey(key);
+    fLine += isTrue ? "true" : "false";
+}
+
+void JsonWriter::AddNull(const char* key) {
+    AddKey(key);
+    fLine += "null";
+}
+
+void JsonWriter::BeginObject(const char* key) {
+    AddKey(key);
+    fLine += '{';
+}
+
 void JsonWriter::BeginList(const char* key) {
     AddKey(key);
     fLine += '[';

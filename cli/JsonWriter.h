@@ -23,6 +23,9 @@ class JsonWriter {
     void Add(const char* key, const HostString& text);
     void Add(const char* key, const char* plainText);
     void Add(const char* key, int32_t number);
+    void AddFlag(const char* key, bool isTrue);
+    void AddNull(const char* key);
+    void BeginObject(const char* key);
     void BeginList(const char* key);
 
     // Ends the line. Throws OutputError, as all that adds to it.

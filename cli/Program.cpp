@@ -15,6 +15,7 @@
 #include "cli/InfoCommand.h"
 #include "cli/SaveAsCommand.h"
 #include "cli/SaveCommand.h"
+#include "cli/SrCommand.h"
 #include "cli/Text.h"
 #include "cli/TreeCommand.h"
 #include "dicom/TException.h"
@@ -74,6 +75,7 @@ Program::Program() : fApp("Vantor: DICOM media for review workstations", "vantor
     Add(std::make_unique<DeleteCommand>());
     Add(std::make_unique<SaveCommand>());
     Add(std::make_unique<SaveAsCommand>());
+    Add(std::make_unique<SrCommand>());
     Add(std::make_unique<DrivesCommand>());
     Add(std::make_unique<DirsCommand>());
 }

@@ -205,6 +205,11 @@ class TDicomDataSet {
                       int32_t* itemOffset, uint32_t* itemLength) const;
     int32_t CountItemsInSequence(int32_t sequenceOffset) const;
 
+    // Whether a walk with FindNextItem that has come to its end behind the given item (kFromStart: without
+    // any) has seen all items: nothing follows in the sequence but its delimiter, or an empty last item.
+    // False for a walk that was ended by damage.
+    bool IsLastItem(int32_t sequenceOffset, int32_t itemOffset, uint32_t itemLength) const;
+
     // The length of an item's content. An undefined one is worked out up to the item delimiter; throws
     // TException 101 "Unterminated item" when another delimiter comes first; 0 when none comes at all.
     uint32_t GetItemLength(int32_t itemOffset) const;
@@ -315,6 +320,7 @@ class TDicomDataSet {
     bool IsKnownSequence(const Header& header) const;
     bool LooksLikeSequence(int32_t offset, const Header& header) const;
     int64_t EndOfItems(int32_t sequenceOffset) const;
+    int64_t EndOfItem(int32_t itemOffset, uint32_t itemLength) const;
 
     // Converting: TDicomDataSetConvert.cpp.
     std::unique_ptr<TDicomDataSet> ConvertNested(bool isExplicit, bool isBigEndian, uint32_t initialSize,

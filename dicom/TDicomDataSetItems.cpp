@@ -90,9 +90,7 @@ bool TDicomDataSet::FindNextItem(int32_t sequenceOffset, int32_t previousItemOff
         return false;
     }
     if (previousItemOffset < kItemHeaderSize || previousItemOffset > fUsedSize) return false;
-    const bool hadDelimiter = ReadNumber32(previousItemOffset - kLengthSize) == kUndefinedLength;
-    const int64_t next = static_cast<int64_t>(previousItemOffset) + previousItemLength + kItemHeaderSize +
-                         (hadDelimiter ? kDelimiterSize : 0);
+    const int64_t next = EndOfItem(previousItemOffset, previousItemLength) + kItemHeaderSize;
     // An item counts by where its content starts, so an empty one at the very end is not seen. Hosts have
     // always seen such sequences without it.
     const bool isAtEnd = isDefined && content + sequence.fRawLength <= next;
@@ -107,6 +105,26 @@ int32_t TDicomDataSet::CountItemsInSequence(int32_t sequenceOffset) const {
     uint32_t itemLength = 0;
     while (FindNextItem(sequenceOffset, itemOffset, itemLength, &itemOffset, &itemLength)) ++count;
     return count;
+}
+
+bool TDicomDataSet::IsLastItem(int32_t sequenceOffset, int32_t itemOffset, uint32_t itemLength) const {
+    const Header sequence = SequenceHeaderAt(sequenceOffset);
+    const int64_t content = static_cast<int64_t>(sequenceOffset) + SequenceHeaderSize();
+    const int64_t position = itemOffset == kFromStart ? content : EndOfItem(itemOffset, itemLength);
+    Tag tag;
+    if (sequence.fRawLength == kUndefinedLength) {
+        return ReadTagAt(position, tag) && tag == Tags::kSequenceDelimitation;
+    }
+    const int64_t end = content + sequence.fRawLength;
+    if (position == end) return true;
+    return position + kItemHeaderSize == end && end <= fUsedSize && HasItemAt(position) &&
+           ReadNumber32(static_cast<int32_t>(position) + kTagSize) == 0;
+}
+
+// Where an item's content ends with its delimiter, if it has one.
+int64_t TDicomDataSet::EndOfItem(int32_t itemOffset, uint32_t itemLength) const {
+    const bool hasDelimiter = ReadNumber32(itemOffset - kLengthSize) == kUndefinedLength;
+    return int64_t{itemOffset} + itemLength + (hasDelimiter ? kDelimiterSize : 0);
 }
 
 uint32_t TDicomDataSet::GetItemLength(int32_t itemOffset) const {
@@ -337,8 +355,7 @@ int64_t TDicomDataSet::EndOfItems(int32_t sequenceOffset) const {
     uint32_t itemLength = 0;
     try {
         while (FindNextItem(sequenceOffset, itemOffset, itemLength, &itemOffset, &itemLength)) {
-            const bool hasDelimiter = ReadNumber32(itemOffset - kLengthSize) == kUndefinedLength;
-            end = int64_t{itemOffset} + itemLength + (hasDelimiter ? kDelimiterSize : 0);
+            end = EndOfItem(itemOffset, itemLength);
         }
     } catch (TException* thrown) {
         const std::unique_ptr<TException> error(thrown);

@@ -7,6 +7,7 @@
 
 #include "tests/support/DirectoryBuilder.h"
 #include "tests/support/FileBuilder.h"
+#include "tests/support/ReportBuilder.h"
 
 namespace {
 
@@ -186,6 +187,39 @@ void WriteDirectories(const SeedFolder& seeds) {
     }
 }
 
+// A report with an item of each type, twice, so that there is something to compare.
+void WriteReports(const SeedFolder& seeds) {
+    const ReportCode name = {"1", "LN", "Name"}, derivation = {"121401", "DCM", "Derivation"};
+    const std::vector<ReportBuilder> items = {
+        ReportBuilder::Number(name, "4.5", {"a", "UCUM", "year"})
+            .Text(Tags::kObservationDateTime, Vr::kDT, "20240315101500.5+0100")
+            .Text(Tags::kRelationshipType, Vr::kCS, "CONTAINS")
+            .Below({ReportBuilder::Coded(derivation, {"R", "SRT", "Mean", "1"})}),
+        ReportBuilder("NUM", {"M", "99QUANTIX", "measurement context"}),
+        ReportBuilder("TEXT", name).Text(Tags::kTextValue, Vr::kUT, "text"),
+        ReportBuilder("DATE", name).Text(Tags::kDate, Vr::kDA, "20240315"),
+        ReportBuilder("TIME", name).Text(Tags::kTime, Vr::kTM, "101500"),
+        ReportBuilder("DATETIME", name).Text(Tags::kDateTime, Vr::kDT, "20240315101500"),
+        ReportBuilder("PNAME", name).Text(Tags::kPersonName, Vr::kPN, "Doe^Jane"),
+        ReportBuilder("IMAGE"),
+        {}};
+    const ReportBuilder section =
+        ReportBuilder("CONTAINER", name).Text(Tags::kContinuityOfContent, Vr::kCS, "SEPARATE").Below(items);
+    const ReportBuilder report = ReportBuilder("CONTAINER", {"125200", "DCM", "Echo"})
+                                     .Text(Tags::kSOPClassUID, Vr::kUI, Uids::kEnhancedSR)
+                                     .Text(Tags::kContentDate, Vr::kDA, "20240315")
+                                     .Text(Tags::kContentTime, Vr::kTM, "101500")
+                                     .Text(Tags::kPatientName, Vr::kPN, "Doe^Jane")
+                                     .Below({section, section});
+    for (const Syntax& syntax : kSyntaxes) {
+        for (const auto lengths : {ElementBuilder::Lengths::kDefined, ElementBuilder::Lengths::kUndefined}) {
+            const bool isDefined = lengths == ElementBuilder::Lengths::kDefined;
+            seeds.Write("SRContentFuzz", std::string(syntax.fName) + (isDefined ? "" : "-undefined"),
+                        report.Encode(syntax.fUid, lengths));
+        }
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -197,5 +231,6 @@ int main(int argc, char** argv) {
     WriteDataSets(seeds);
     WriteFiles(seeds);
     WriteDirectories(seeds);
+    WriteReports(seeds);
     return 0;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <mutex>
+#include <set>
 
 #include "platform/CodePage.h"
 #include "sr/SRContentTree.h"
@@ -130,9 +131,13 @@ bool SRContentItem::EqualExceptDerivation(const SRContentItem* other, bool& this
     if (other == nullptr || fConceptName != other->fConceptName) return false;
     const SRContentItem& longer = thisHasMore ? *this : *other;
     const SRContentItem& shorter = thisHasMore ? *other : *this;
+    std::set<std::pair<HostString, HostString>> counterparts;
+    for (const auto& item : shorter.fContentItemList) {
+        counterparts.emplace(item->fConceptName, item->fContentItemValue);
+    }
     const auto& items = longer.fContentItemList;
     const bool areEqual = std::all_of(items.begin(), items.end(), [&](const auto& item) {
-        return item->IsDerivation() || shorter.HasItemLike(*item);
+        return item->IsDerivation() || counterparts.contains({item->fConceptName, item->fContentItemValue});
     });
     if (!areEqual) {
         const std::lock_guard lock(TestValues().fLock);
@@ -153,12 +158,6 @@ bool SRContentItem::IsDerivation() const {
     return fConceptNameCodedValue.GetCodeValue() == kDerivation &&
            fConceptNameCodedValue.GetCodingSchemeDesignator() == kStandardScheme &&
            std::find(kDerivations.begin(), kDerivations.end(), value) != kDerivations.end();
-}
-
-bool SRContentItem::HasItemLike(const SRContentItem& item) const {
-    return std::any_of(fContentItemList.begin(), fContentItemList.end(), [&](const auto& own) {
-        return own->fConceptName == item.fConceptName && own->fContentItemValue == item.fContentItemValue;
-    });
 }
 
 }  // namespace VantorWrappers

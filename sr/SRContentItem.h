@@ -97,7 +97,6 @@ class SRContentItem {
     void Adopt(std::unique_ptr<SRContentItem> child);
     bool IsMeasurementContext() const;
     bool IsDerivation() const;
-    bool HasItemLike(const SRContentItem& item) const;
 
     HostString fContentItemValue;
     HostString fConceptName;

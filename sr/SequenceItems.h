@@ -7,12 +7,12 @@
 namespace VantorWrappers {
 
 // Walks through the items of a sequence, which must outlive this object. Throws Vantor::TException* for an
-// element that is no sequence and for items that do not end.
+// element that is no sequence, for a sequence of unknown VR, and where damage would hide items: a report that
+// lacks some is worse than none.
 class SequenceItems {
   public:
     // At first in front of the first item. `sequenceOffset` is where the sequence's element starts.
-    SequenceItems(const Vantor::TDicomDataSet& dataSet, int32_t sequenceOffset)
-        : fDataSet(&dataSet), fSequenceOffset(sequenceOffset) {}
+    SequenceItems(const Vantor::TDicomDataSet& dataSet, int32_t sequenceOffset);
 
     // Steps to the next item. False when there is none.
     bool Next();

@@ -183,6 +183,10 @@ bool StructuredReportIOD::ParseContentTree() {
         TraceWarning("No Document Content Macro found, no SR content will be parsed.");
         return false;
     }
+    if (umDicomDataSet->GetNextElementOffset(offset) == 0) {
+        TraceWarning("Failed to create temporary data set for Root Content Sequence.");
+        return false;
+    }
     const TDicomDataSet content(*umDicomDataSet, offset, umDicomDataSet->GetDataSetSize() - offset);
     fRootContentItem = std::make_unique<SRContainerContentItem>(&content, kRootNode);
     return true;

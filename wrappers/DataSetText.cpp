@@ -38,7 +38,8 @@ bool FindWhole(const TDicomDataSet& dataSet, Tag tag, int32_t& offset) {
 }
 
 std::string_view TextOfValue(std::string_view value, uint32_t maxLength) {
-    const std::string_view start = value.substr(0, size_t{maxLength} + kLongestCharacter);
+    const uint64_t looked = std::min<uint64_t>(uint64_t{maxLength} + kLongestCharacter, value.size());
+    const std::string_view start = value.substr(0, static_cast<size_t>(looked));
     const std::string_view text = start.substr(0, std::min(start.find('\0'), start.size()));
     return text.substr(0, Vantor::Platform::CutPosition(text, maxLength));
 }

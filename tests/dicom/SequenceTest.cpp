@@ -67,6 +67,26 @@ TEST_P(SequenceInForm, ItemsAreWalkedAndTheElementBehindIsFound) {
     }
 }
 
+// An empty last item of defined length is not seen, so it may stand behind the last.
+TEST_P(SequenceInForm, TellsWhetherAWalkHasSeenAllItems) {
+    const Bytes item = Item("1.2");
+    for (const std::vector<Bytes>& items : std::initializer_list<std::vector<Bytes>>{
+             {}, {item}, {item, DataSetBytes({item}), item}, {{}}, {{}, item}, {item, {}}, {item, {}, {}}}) {
+        Bytes bytes = DataSetBytes(items);
+        const TDicomDataSet dataSet = DataSet(bytes);
+        int32_t offset = TDicomDataSet::kFromStart, next = 0;
+        uint32_t length = 0, nextLength = 0;
+        while (dataSet.FindNextItem(0, offset, length, &next, &nextLength)) {
+            if (nextLength > 0 || fLengths == Lengths::kUndefined) {
+                EXPECT_FALSE(dataSet.IsLastItem(0, offset, length));
+            }
+            offset = next;
+            length = nextLength;
+        }
+        EXPECT_TRUE(dataSet.IsLastItem(0, offset, length));
+    }
+}
+
 TEST_P(SequenceInForm, DeletingFromTheOriginalKeepsItsKindOfLength) {
     Bytes bytes = DataSetBytes({Item("1.1"), Item("1.2")});
     TDicomDataSet dataSet = DataSet(bytes);

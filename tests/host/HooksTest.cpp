@@ -7,6 +7,8 @@
 
 #include "host/AccessGranting.h"
 #include "host/DamagedDirectory.h"
+#include "host/DateAndTime.h"
+#include "host/LongTime.h"
 #include "host/PatientName.h"
 #include "host/ShortDate.h"
 #include "tests/support/TestFolder.h"
@@ -48,6 +50,22 @@ TEST(ShortDate, IsTheHostsOrTheUsers) {
     });
     EXPECT_EQ(ShortDate::Format(date), L"1987");
     EXPECT_EQ(ShortDate::Format(date), before);
+}
+
+TEST(DateAndTime, IsTheHostsOrTheDateAndTheTime) {
+    constexpr std::chrono::seconds kTime(49739);  // 13:48:59
+    constexpr std::chrono::year_month_day kDate(std::chrono::year(1) / 1 / 1);
+    const std::chrono::local_seconds moment = std::chrono::local_days(kDate) + kTime;
+    const std::wstring before = DateAndTime::Format(moment);
+    for (const wchar_t* part : {L"48", L"59"}) EXPECT_NE(before.find(part), std::wstring::npos);
+    EXPECT_EQ(before, ShortDate::Format(kDate) + L" " + LongTime::Format(kTime));
+    LongTime::SetFormatter([](std::chrono::seconds time) { return std::to_wstring(time.count()); });
+    EXPECT_EQ(DateAndTime::Format(moment), ShortDate::Format(kDate) + L" 49739");
+    DateAndTime::SetFormatter([&](auto shown) { return shown == moment ? L"this" : L"another"; });
+    EXPECT_EQ(DateAndTime::Format(moment), L"this");
+    DateAndTime::SetFormatter(nullptr);
+    LongTime::SetFormatter(nullptr);
+    EXPECT_EQ(DateAndTime::Format(moment), before);
 }
 
 TEST(AccessGranting, TellsFilesFromFolders) {

@@ -15,7 +15,8 @@ import program
 import small_file
 
 FILE_COMMANDS = ["info", "dump"]
-COMMANDS = [*FILE_COMMANDS, "tree", "create", "add", "copy", "delete", "drives", "dirs"]
+COMMANDS = [*FILE_COMMANDS, "tree", "create", "add", "copy", "delete", "save", "save-as",
+            "drives", "dirs", "sr"]
 INFO_KEYS = ["path", "kind", "uid", "seriesUID", "seriesDescription", "seriesNumber", "studyID", "studyUID",
              "studyDescription", "studyDate", "studyTime", "patientBirthDate", "accessionNumber", "referringPhysician",
              "modality", "imageNumber", "numberOfFrames", "patientName", "patientId", "contentDate", "contentTime",

@@ -19,6 +19,17 @@ TEST(Desktop, WritesDatesOfAllYears) {
     }
 }
 
+// Twelve or twenty-four hours of day.
+TEST(Desktop, WritesTimesWithTheirSeconds) {
+    for (const int hours : {0, 1, 12, 13, 23}) {
+        const std::wstring text = FormatLongTime(hours, 48, 59);
+        const std::wstring shown = std::to_wstring(hours), half = std::to_wstring((hours + 11) % 12 + 1);
+        EXPECT_TRUE(text.find(shown) < 2 || text.find(half) < 2) << hours;
+        for (const wchar_t* number : {L"48", L"59"}) EXPECT_NE(text.find(number), std::wstring::npos);
+    }
+    EXPECT_NE(FormatLongTime(1, 2, 3), FormatLongTime(13, 2, 3));
+}
+
 TEST(Desktop, SaysOnOneLineWhatNoBoxShows) {
     if (VantorTest::kIsWindows) GTEST_SKIP() << "there may be a box, and nobody to close it";
     testing::internal::CaptureStderr();
