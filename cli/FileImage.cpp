@@ -30,7 +30,8 @@ std::wstring FileImage::GetInstanceUID() const {
 }
 
 int32_t FileImage::SaveAs() {
-    WaitUntilSaved();
+    if (WaitUntilSaved() && fWriting->fIsInPlace) fStart.fInstanceUID = fWriting->fInstanceUID;
+    ForgetCopy();
     fWriting.reset();
     fStartError = BeginWriting();
     if (fStartError == 0) {
@@ -38,7 +39,16 @@ int32_t FileImage::SaveAs() {
     } else {
         fEditor.reset();  // with what was begun
     }
+    fIsCopied = fPathToWrite != fPath;
     return fStartError;
+}
+
+void FileImage::ForgetCopy() {
+    if (!fIsCopied) return;
+    fIsCopied = false;
+    fTexts.clear();
+    fDeIdentification = 0;
+    fPathToWrite = fPath;
 }
 
 int32_t FileImage::BeginWriting() {
@@ -54,6 +64,8 @@ int32_t FileImage::BeginWriting() {
 void FileImage::WriteInBackground() {
     fWriting = std::make_shared<Writing>();
     fWriting->fFramesLeft = fEditor->GetFramesLeft();
+    fWriting->fIsInPlace = fPathToWrite == fPath;
+    fWriting->fInstanceUID = GetInstanceUID();
     auto write = [editor = std::make_shared<std::unique_ptr<Editor>>(std::move(fEditor)),
                   writing = fWriting] { Write(std::move(*editor), *writing); };
     try {

@@ -17,8 +17,10 @@ namespace VantorCli {
 // other attributes, in the background.
 //
 // A series has thousands of them: each holds a few texts, its file is read at construction and when it is
-// saved, and is closed in between. It can be saved again, with what was set till then. Going away, it gives
-// up what it is still writing: no part of that is left, and what was there before stays.
+// saved, and is closed in between. It can be saved again, with what was set till then; but once a copy was
+// saved to another path, or could not be, the image is as its file has it again. Only its UIDs are still
+// asked for those of the copy, until something is set. Going away, it gives up what it is still writing: no
+// part of that is left, and what was there before stays.
 class FileImage final : public VantorHost::AxDicomImage {
   public:
     // `savedImages`: shared by all images that are saved together, which have to be there before the first
@@ -27,7 +29,10 @@ class FileImage final : public VantorHost::AxDicomImage {
     ~FileImage() override;
 
     std::wstring GetPathName() const override { return fPath; }
-    void SetSCPathName(const std::wstring& path) override { fPathToWrite = path; }
+    void SetSCPathName(const std::wstring& path) override {
+        ForgetCopy();
+        fPathToWrite = path;
+    }
 
     std::wstring GetInstanceUID() const override;
     void SetInstanceUID(const std::wstring& uid) override { Set(Attribute::kInstanceUID, uid); }
@@ -43,7 +48,10 @@ class FileImage final : public VantorHost::AxDicomImage {
     void SetSeriesNumber(const std::wstring& number) override { Set(Attribute::kSeriesNumber, number); }
     void SetSeriesName(const std::wstring& text) override { Set(Attribute::kSeriesDescription, text); }
     void SetImageNumber(int32_t number) override { Set(Attribute::kImageNumber, std::to_wstring(number)); }
-    void DeIdentifyImage(int32_t level) override { fDeIdentification = level; }
+    void DeIdentifyImage(int32_t level) override {
+        ForgetCopy();
+        fDeIdentification = level;
+    }
 
     int32_t GetNumberOfFrames() const override { return fStart.fFrames; }
 
@@ -77,9 +85,15 @@ class FileImage final : public VantorHost::AxDicomImage {
         std::atomic<bool> fIsGivenUp = false;
         std::atomic<int32_t> fFramesLeft = 0;  // 0 when it has ended, with its result
         std::atomic<int32_t> fResult = 0;
+        bool fIsInPlace = false;
+        std::wstring fInstanceUID;  // that is being written
     };
 
-    void Set(Attribute attribute, const std::wstring& text) { fTexts[attribute] = text; }
+    void Set(Attribute attribute, const std::wstring& text) {
+        ForgetCopy();
+        fTexts[attribute] = text;
+    }
+    void ForgetCopy();
     int32_t BeginWriting();
     void WriteInBackground();
     static void Write(std::unique_ptr<Editor> editor, Writing& writing);
@@ -89,8 +103,9 @@ class FileImage final : public VantorHost::AxDicomImage {
     std::shared_ptr<VantorWrappers::SavedImages> fSavedImages;
     std::map<Attribute, std::wstring> fTexts;  // what was set
     int32_t fDeIdentification = 0;
-    std::unique_ptr<Editor> fEditor;  // null when SaveAs has had it
-    Start fStart;
+    bool fIsCopied = false;             // these were for a copy
+    std::unique_ptr<Editor> fEditor;    // null when SaveAs has had it
+    Start fStart;                       // but for an instance UID that was saved in place
     int32_t fStartError = 0;            // of the last SaveAs
     std::shared_ptr<Writing> fWriting;  // null until something has been written
     std::future<void> fThread;          // waits for it when this object goes

@@ -12,6 +12,10 @@ std::string ReasonOf(int32_t error) {
     switch (error) {
         case ImageFileEditor::kNoDicomFile:
             return "no DICOM file, or a damaged one";
+        case ImageFileEditor::kDeflated:
+            return "deflated, which cannot be saved";
+        case ImageFileEditor::kCharacterSet:
+            return "a text that is given cannot be written in the character set of the file's other texts";
         case ImageFileEditor::kNoMemory:
             return "not enough memory";
         case ImageFileEditor::kOtherFailure:

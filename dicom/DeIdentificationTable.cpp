@@ -349,7 +349,11 @@ constexpr DeIdentificationRow kTable[] = {
     {{0x0032, 0x1067}, Vr::kSQ, kRemove, kRemove},  // Reason for Visit Code Sequence
     {{0x0032, 0x1070}, Vr::kLO, kRemove, kRemove},  // Requested Contrast Agent
     {{0x0032, 0x4000}, Vr::kLT, kRemove, kRemove},  // Study Comments
+    {{0x0034, 0x0001}, Vr::kSQ, kRemove, kRemove},  // Flow Identifier Sequence
+    {{0x0034, 0x0002}, Vr::kOB, kRemove, kRemove},  // Flow Identifier
     {{0x0034, 0x0003}, Vr::kUI, kStay, kStay},  // Flow Transfer Syntax UID
+    {{0x0034, 0x0005}, Vr::kOB, kRemove, kRemove},  // Source Identifier
+    {{0x0034, 0x0007}, Vr::kOB, kRemove, kRemove},  // Frame Origin Timestamp
     {{0x0038, 0x0004}, Vr::kSQ, kRemove, kRemove},  // Referenced Patient Alias Sequence
     {{0x0038, 0x0008}, Vr::kCS, kRemove, kRemove},  // Visit Status ID
     {{0x0038, 0x0010}, Vr::kLO, kRemove, kRemove},  // Admission ID

@@ -148,7 +148,7 @@ class TDataSetEdit::Pass {
     }
 
     Fate FateOf(const EncodedElement& element, Bytes value, bool isSequence, int32_t depth) const {
-        if (!fEdit.fRule || element.fTag.fGroup == Tags::kItem.fGroup) return Fate::Keep();
+        if (!fEdit.fRule) return Fate::Keep();
         return fEdit.fRule({element.fTag, element.fVr, TextOf(value), isSequence, depth});
     }
 
@@ -176,7 +176,7 @@ class TDataSetEdit::Pass {
 
     void WriteItem(const EncodedElement& item, Bytes whole, Bytes value, Encoding encoding, int32_t depth) {
         // Some writers end sequences with a delimiter although their length is known.
-        if (item.fTag == Tags::kSequenceDelimitation) return Append(whole);
+        if (item.fTag == Tags::kSequenceDelimitation && item.fLength == 0) return Append(whole);
         if (item.fTag != Tags::kItem)
             throw new TException(ErrorNumbers::kRecordStructure, "Not a sequence item");
         const size_t content = AppendHeader(item, whole);

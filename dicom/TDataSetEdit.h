@@ -44,7 +44,8 @@ class TDataSetEdit {
     void Put(Tag tag, VrCode vr, std::string value);
 
     // Decides about every other element, at every depth; those within a sequence are asked for once it is
-    // kept. Without a rule all are kept.
+    // kept. Items and delimiters that are in no sequence are elements too, which may be kept or removed.
+    // Without a rule all are kept.
     void SetRule(Rule rule) { fRule = std::move(rule); }
 
     // The changed elements, in the same encoding. Throws TException 102 for bytes that are no data set, and

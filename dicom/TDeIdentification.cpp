@@ -1,6 +1,7 @@
 #include "dicom/TDeIdentification.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "dicom/TDicomDataSetLayout.h"
@@ -24,13 +25,15 @@ constexpr Tag kDeIdentificationMethod{0x0012, 0x0063};
 constexpr Tag kImageType{0x0008, 0x0008};
 constexpr Tag kReferencedPerformedProcedureStepSequence{0x0008, 0x1111};
 constexpr Tag kEncapsulatedDocument{0x0042, 0x0011};
-constexpr Tag kContentSequence{0x0040, 0xA730};
 constexpr Tag kWaveformSequence{0x5400, 0x0100};
 constexpr Tag kSharedFunctionalGroupsSequence{0x5200, 0x9229};
+constexpr Tag kFloatPixelData{0x7FE0, 0x0008};
+constexpr Tag kDoublePixelData{0x7FE0, 0x0009};
 constexpr uint16_t kPatientGroup = 0x0010;
 constexpr uint16_t kPixelGroup = 0x0028;
 constexpr uint16_t kCurveGroups = 0x5000;
 constexpr uint16_t kOverlayGroups = 0x6000;
+constexpr uint16_t kPaddingGroup = 0xFFFC;
 constexpr uint16_t kRepeatedGroupsMask = 0xFF00;
 
 constexpr std::string_view kStandardRoot = "1.2.840.10008";
@@ -63,9 +66,19 @@ const DeIdentificationRow* FindRow(Tag tag) {
     return row != table.end() && row->fTag == tag ? &*row : nullptr;
 }
 
-// Elements that the table has no row for.
+// Pixel data within a sequence, such as those of an icon.
+bool IsPixels(Tag tag) {
+    return tag == Tags::kPixelData || tag == kFloatPixelData || tag == kDoublePixelData;
+}
+
+bool IsVr(VrCode vr) {
+    return Vr::IsRecognised(vr) || ElementReader::HasLongHeader(vr) || vr == Vr::kNotKnown;
+}
+
+// Elements that the table has no row for. Nobody can tell what one with a VR that is none holds.
 Action ActionByVr(Tag tag, VrCode vr) {
     if (tag.fGroup == kPatientGroup) return Action::kRemove;
+    if (!IsVr(vr) && !IsNeededForDisplay(tag) && !IsPixels(tag)) return Action::kRemove;
     switch (vr) {
         case Vr::kUI:
             return Action::kReplaceUids;
@@ -94,11 +107,18 @@ Fate ReplaceByDummy(VrCode vr, std::string_view value) {
     }
 }
 
-// Damaged items, or items in an encoding that they should not have: nobody can tell what is in them.
+// Damaged items, or items in an encoding or an element that they should not have: nobody can tell what is in
+// them. The fragments of compressed pixels are none.
 bool IsUnreadableSequence(const Element& element) {
     constexpr std::string_view kItem("\xFE\xFF\x00\xE0", DataSetLayout::kTagSize);
-    return !element.fIsSequence && (element.fVr == Vr::kUN || element.fVr == Vr::kNotKnown) &&
-           element.fValue.starts_with(kItem);
+    constexpr std::string_view kBigEndianItem("\xFF\xFE\xE0\x00", DataSetLayout::kTagSize);
+    return !element.fIsSequence && !IsPixels(element.fTag) &&
+           (element.fValue.starts_with(kItem) || element.fValue.starts_with(kBigEndianItem));
+}
+
+bool IsGroupLength(const Element& element) {
+    return element.fValue.size() == DataSetLayout::kGroupLengthValueSize &&
+           (element.fVr == Vr::kUL || element.fVr == Vr::kNotKnown);
 }
 
 // Reports must name the performed step, and within what they answer to, the request.
@@ -108,9 +128,11 @@ bool IsNamedByReports(const Element& element) {
 
 bool IsRepeatedGroup(uint16_t group, uint16_t first) { return (group & kRepeatedGroupsMask) == first; }
 
-// Private elements, and curves and overlays, whose pixels may be writing.
+// Private elements; curves and overlays, whose pixels may be writing; padding; and items that are in no
+// sequence.
 bool IsRemovedByGroup(uint16_t group) {
-    return group % 2 != 0 || IsRepeatedGroup(group, kCurveGroups) || IsRepeatedGroup(group, kOverlayGroups);
+    return group % 2 != 0 || IsRepeatedGroup(group, kCurveGroups) || IsRepeatedGroup(group, kOverlayGroups) ||
+           group == kPaddingGroup || group == Tags::kItem.fGroup;
 }
 
 }  // namespace
@@ -125,13 +147,14 @@ TDeIdentification::TDeIdentification(Level level, UidReplacer uidReplacer, std::
         return Fate::Keep();
     });
     reader.Apply(elements, encoding);
+    fIdentity.Prepare();
 }
 
 // Kinds of instances in which elements have to be there that others may leave out.
 void TDeIdentification::NoteKind(const Element& element) {
     constexpr std::string_view kPositronEmission = "PT";
     const bool isPet = element.fTag == Tags::kModality && TrimValue(element.fValue) == kPositronEmission;
-    if (element.fTag == kContentSequence) fIsReport = true;
+    if (element.fTag == Tags::kContentSequence) fIsReport = true;
     if (fIsReport || isPet || element.fTag == kSharedFunctionalGroupsSequence ||
         element.fTag == kWaveformSequence || element.fTag == kEncapsulatedDocument)
         fMustHaveValues = true;
@@ -148,7 +171,8 @@ void TDeIdentification::NoteIdentity(const Element& element) {
 
 Fate TDeIdentification::operator()(const Element& element) const {
     if (IsRemovedByGroup(element.fTag.fGroup) || IsUnreadableSequence(element)) return Fate::Remove();
-    if (element.fTag.fElement == DataSetLayout::kGroupLengthElement) return Fate::Keep();
+    if (element.fTag.fElement == DataSetLayout::kGroupLengthElement)
+        return IsGroupLength(element) ? Fate::Keep() : Fate::Remove();
     Fate fate = FateByTable(element);
     const bool isSearched = !element.fIsSequence && !IsNeededForDisplay(element.fTag);
     if (fate.fKind == Fate::Kind::kKeep && isSearched && fIdentity.IsIn(element.fVr, element.fValue))
@@ -179,20 +203,16 @@ Fate TDeIdentification::Act(Action action, VrCode vr, const Element& element) co
         case Action::kBlankOrDummy:
             return fMustHaveValues ? ReplaceByDummy(vr, element.fValue) : Fate::Replace({});
         case Action::kReplaceUids:
-            return Fate::Replace(ReplaceUids(element.fValue));
+            return ActOnUids(element.fValue);
     }
     return Fate::Remove();
 }
 
-std::string TDeIdentification::ReplaceUids(std::string_view value) const {
-    std::string replaced;
-    for (const std::string_view part : SplitValue(value, '\\')) {
-        if (part.data() != value.data()) replaced.push_back('\\');
-        const std::string_view uid = TrimValue(part);
-        if (!uid.empty()) replaced += IsOfStandard(uid) ? std::string(uid) : fUidReplacer(uid);
-    }
-    if (replaced.size() % 2 != 0) replaced.push_back('\0');
-    return replaced;
+Fate TDeIdentification::ActOnUids(std::string_view value) const {
+    auto replaced = ReplaceUids(value, [this](std::string_view uid) {
+        return IsOfStandard(uid) ? std::nullopt : std::optional(fUidReplacer(uid));
+    });
+    return replaced ? Fate::Replace(std::move(*replaced)) : Fate::Keep();
 }
 
 void TDeIdentification::Mark(TDataSetEdit& edit) const {

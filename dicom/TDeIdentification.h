@@ -45,7 +45,7 @@ class TDeIdentification {
     TDataSetEdit::Fate FateByTable(const TDataSetEdit::Element& element) const;
     TDataSetEdit::Fate Act(DeIdentificationAction action, VrCode vr,
                            const TDataSetEdit::Element& element) const;
-    std::string ReplaceUids(std::string_view value) const;
+    TDataSetEdit::Fate ActOnUids(std::string_view value) const;
 
     Level fLevel;
     UidReplacer fUidReplacer;

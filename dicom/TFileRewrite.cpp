@@ -30,7 +30,8 @@ constexpr uint16_t kMetaGroup = 0x0002;
 constexpr size_t kFirstRead = 0x10000;
 constexpr size_t kReadFactor = 4;
 
-constexpr int64_t kLargestChunk = 0x100000;
+constexpr int64_t kLargestPiece = 0x100000;
+constexpr int64_t kBytesToFlush = 0x400000;
 
 constexpr Tag kFloatPixelData{0x7FE0, 0x0008};
 constexpr Tag kDoublePixelData{0x7FE0, 0x0009};
@@ -42,6 +43,18 @@ constexpr char kDeflated[] = "1.2.840.10008.1.2.1.99";
 
 bool IsPixelData(Tag tag) {
     return tag == Tags::kPixelData || tag == kFloatPixelData || tag == kDoublePixelData;
+}
+
+// False when the bytes break off while they are parsed.
+template <typename Parse>
+bool IsWhole(Parse parse) {
+    try {
+        parse();
+        return true;
+    } catch (TException* thrown) {
+        const std::unique_ptr<TException> error(thrown);
+        return false;
+    }
 }
 
 std::string FindText(std::span<const uint8_t> bytes, Encoding encoding, Tag tag) {
@@ -88,40 +101,52 @@ void TFileRewrite::ReadMore(size_t count) {
 bool TFileRewrite::ParseStart() {
     if (fStart.size() <= kMetaStart) ThrowInvalid();
     if (!std::equal(kPrefix.begin(), kPrefix.end(), fStart.begin() + kPreambleSize)) ThrowInvalid();
-    try {
-        const std::span<const uint8_t> bytes(fStart);
-        ElementReader meta(bytes.subspan(kMetaStart), kMetaEncoding);
+    const size_t dataStart = ParseMeta();
+    return dataStart != 0 && TakeEncoding() && ParseElements(dataStart);
+}
+
+// Gives where the data set begins; 0 when the bytes break off.
+size_t TFileRewrite::ParseMeta() {
+    size_t dataStart = 0;
+    const bool isWhole = IsWhole([&] {
+        ElementReader meta(std::span<const uint8_t>(fStart).subspan(kMetaStart), kMetaEncoding);
         for (auto element = meta.PeekHeader(); element && element->fTag.fGroup == kMetaGroup;
              element = meta.PeekHeader()) {
             meta.Skip(*element);
         }
-        const size_t dataStart = kMetaStart + meta.GetPosition();
+        dataStart = kMetaStart + meta.GetPosition();
         fMeta.assign(fStart.begin() + kMetaStart, fStart.begin() + static_cast<std::ptrdiff_t>(dataStart));
-        TakeEncoding();
-        ElementReader elements(bytes.subspan(dataStart), fEncoding);
+    });
+    return isWhole ? dataStart : 0;
+}
+
+// False when there is no transfer syntax.
+bool TFileRewrite::TakeEncoding() {
+    const std::string syntax = GetMetaText(Tags::kTransferSyntaxUID);
+    if (syntax == kDeflated) throw new TException(ErrorNumbers::kRecordStructure, kDeflatedFile);
+    fEncoding.fIsExplicit = syntax != Uids::kImplicitVRLittleEndian;
+    fEncoding.fIsBigEndian = syntax == Uids::kExplicitVRBigEndian;
+    return !syntax.empty();
+}
+
+bool TFileRewrite::ParseElements(size_t dataStart) {
+    bool isComplete = false;
+    const bool isWhole = IsWhole([&] {
+        ElementReader elements(std::span<const uint8_t>(fStart).subspan(dataStart), fEncoding);
         auto element = elements.PeekHeader();
         for (; element && !IsPixelData(element->fTag); element = elements.PeekHeader()) {
             elements.Skip(*element);
         }
         const size_t end = dataStart + elements.GetPosition();
-        if (!element && static_cast<int64_t>(end) < fSourceSize) return false;
+        isComplete = element || static_cast<int64_t>(end) >= fSourceSize;
+        if (!isComplete) return;
         fElements.assign(fStart.begin() + static_cast<std::ptrdiff_t>(dataStart),
                          fStart.begin() + static_cast<std::ptrdiff_t>(end));
         fPixelElement = static_cast<int64_t>(end);
         fPixelValue = element ? static_cast<int64_t>(dataStart + element->fValueStart) : fPixelElement;
         fPixelLength = element ? element->fLength : 0;
-        return true;
-    } catch (TException* thrown) {
-        const std::unique_ptr<TException> error(thrown);
-        return false;
-    }
-}
-
-void TFileRewrite::TakeEncoding() {
-    const std::string syntax = GetMetaText(Tags::kTransferSyntaxUID);
-    if (syntax.empty() || syntax == kDeflated) ThrowInvalid();
-    fEncoding.fIsExplicit = syntax != Uids::kImplicitVRLittleEndian;
-    fEncoding.fIsBigEndian = syntax == Uids::kExplicitVRBigEndian;
+    });
+    return isWhole && isComplete;
 }
 
 std::string TFileRewrite::GetText(Tag tag) const { return FindText(fElements, fEncoding, tag); }
@@ -130,7 +155,8 @@ std::string TFileRewrite::GetMetaText(Tag tag) const { return FindText(fMeta, kM
 
 // ---- Where the pixel data end ----
 
-// A file that is cut off within its pixel data ends with them.
+// A file that is cut off within its pixel data ends with them. What has no items where they should be could
+// be anything.
 int64_t TFileRewrite::FindPixelEnd() const {
     if (fPixelLength == TDicomDataSet::kUndefinedLength) return FindFragmentsEnd(fPixelValue);
     return std::min(fPixelValue + int64_t{fPixelLength}, fSourceSize);
@@ -139,11 +165,12 @@ int64_t TFileRewrite::FindPixelEnd() const {
 int64_t TFileRewrite::FindFragmentsEnd(int64_t position) const {
     Tag tag;
     while (const auto length = ReadItemHeader(position, tag)) {
-        position += kItemHeaderSize + int64_t{*length};
+        position += kItemHeaderSize;
         if (tag == Tags::kSequenceDelimitation) return position;
-        if (tag != Tags::kItem) break;
+        if (tag != Tags::kItem) ThrowInvalid();
+        position += *length;
     }
-    return fSourceSize;
+    return std::min(position, fSourceSize);
 }
 
 std::optional<uint32_t> TFileRewrite::ReadItemHeader(int64_t position, Tag& tag) const {
@@ -165,7 +192,7 @@ std::optional<uint32_t> TFileRewrite::ReadItemHeader(int64_t position, Tag& tag)
 
 void TFileRewrite::Begin(const std::string& target, const Bytes& meta, const Bytes& elements, Rest rest) {
     fEnd = rest == Rest::kKept ? fSourceSize : FindPixelEnd();
-    fPosition = fPixelElement;
+    fPosition = fCopied = fFlushed = fPixelElement;
     fReplacement = std::make_unique<Platform::FileReplacement>(target);
     Platform::File& file = fReplacement->GetFile();
     const std::array<uint8_t, kPreambleSize> preamble{};
@@ -180,18 +207,23 @@ void TFileRewrite::Begin(const std::string& target, const Bytes& meta, const Byt
 }
 
 int64_t TFileRewrite::CopyNext(int64_t count) {
-    const int64_t end = std::min(fPosition + count, fEnd);
-    fChunk.resize(static_cast<size_t>(std::min(kLargestChunk, fEnd - fPixelElement)));
-    while (fPosition < end) {
-        const auto wanted = static_cast<size_t>(std::min(end - fPosition, kLargestChunk));
-        if (fSource->Read(fChunk.data(), wanted) < wanted) {
-            throw Platform::FileException(Platform::FileException::Cause::kEndOfFile, 0, "image data");
-        }
-        fReplacement->GetFile().Write(fChunk.data(), wanted);
-        fPosition += static_cast<int64_t>(wanted);
+    fPosition += std::clamp<int64_t>(count, 0, GetSizeLeft());
+    while (fCopied < fPosition) CopyPiece();
+    return GetSizeLeft();
+}
+
+void TFileRewrite::CopyPiece() {
+    Platform::File& file = fReplacement->GetFile();
+    const auto wanted = static_cast<size_t>(std::min(fEnd - fCopied, kLargestPiece));
+    fPiece.resize(wanted);
+    if (fSource->Read(fPiece.data(), wanted) < wanted) {
+        throw Platform::FileException(Platform::FileException::Cause::kEndOfFile, 0, "image data");
     }
-    fReplacement->GetFile().StartFlush();
-    return fEnd - fPosition;
+    file.Write(fPiece.data(), wanted);
+    fCopied += static_cast<int64_t>(wanted);
+    if (fCopied - fFlushed < kBytesToFlush && fCopied < fEnd) return;
+    file.StartFlush();
+    fFlushed = fCopied;
 }
 
 void TFileRewrite::Finish() {

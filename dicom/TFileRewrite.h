@@ -18,20 +18,22 @@ namespace Vantor {
 //
 //     TFileRewrite rewrite(path);
 //     rewrite.Begin(target, meta, elements, TFileRewrite::Rest::kKept);
-//     while (rewrite.CopyNext(kMegabyte) > 0) ...
+//     while (rewrite.CopyNext(bytesOfAFrame) > 0) ...
 //     rewrite.Finish();
 //
 // The new file is written beside the target and takes its place in Finish; before, and without it, the target
 // is as it was. The target may be the file itself. The source is denied to writers all the time.
 //
 // Throws FileException, and TException 102 "Invalid Dicom File" for what is no such file, or damaged in front
-// of its pixel data.
+// of its pixel data; with kDeflatedFile as its text for one that is compressed as a whole.
 class TFileRewrite {
   public:
     using Bytes = std::vector<uint8_t>;
 
     // What becomes of elements behind the pixel data: padding, signatures, private ones.
     enum class Rest { kKept, kLeftOut };
+
+    static constexpr char kDeflatedFile[] = "Deflated Dicom File";
 
     explicit TFileRewrite(const std::string& path);
 
@@ -47,13 +49,16 @@ class TFileRewrite {
     std::string GetMetaText(Tag tag) const;
 
     // Makes the new file, sets room for all of it aside, and writes what comes in front of the pixel data.
+    // Compressed pixel data whose end cannot be found are damaged as well, if nothing behind them is kept.
     void Begin(const std::string& target, const Bytes& meta, const Bytes& elements, Rest rest);
 
-    // Copies up to so many more bytes of the pixel data, and gives how many remain.
+    // Goes on by up to so many bytes of the pixel data, which are copied then, and gives how many remain.
+    // They are copied in larger pieces: small steps cost nothing.
     int64_t CopyNext(int64_t count);
 
-    // How many bytes Begin has left to be copied.
+    // How many bytes Begin has left to be copied, and how many of them remain.
     int64_t GetSizeToCopy() const { return fEnd - fPixelElement; }
+    int64_t GetSizeLeft() const { return fEnd - fPosition; }
 
     // Puts the complete file in its place; it is on the medium then.
     void Finish();
@@ -62,7 +67,10 @@ class TFileRewrite {
     void ReadMore(size_t count);
     void ReadStart();
     bool ParseStart();
-    void TakeEncoding();
+    size_t ParseMeta();
+    bool TakeEncoding();
+    bool ParseElements(size_t dataStart);
+    void CopyPiece();
     int64_t FindPixelEnd() const;
     int64_t FindFragmentsEnd(int64_t position) const;
     std::optional<uint32_t> ReadItemHeader(int64_t position, Tag& tag) const;
@@ -78,9 +86,11 @@ class TFileRewrite {
     uint32_t fPixelLength = 0;  // as stored
 
     std::unique_ptr<Platform::FileReplacement> fReplacement;
-    int64_t fPosition = 0;  // how far the source has been copied
+    int64_t fPosition = 0;  // how far the caller has gone, and how far the source has been copied
+    int64_t fCopied = 0;
+    int64_t fFlushed = 0;  // how far the system has been told to hand the copy to the medium
     int64_t fEnd = 0;
-    Bytes fChunk;
+    Bytes fPiece;
 };
 
 }  // namespace Vantor

@@ -15,9 +15,9 @@
 #include "dicom/Tags.h"
 #include "dicom/Uids.h"
 #include "dicom/ValueText.h"
-#include "platform/Ascii.h"
 #include "platform/CodePage.h"
 #include "wrappers/SavedImagesState.h"
+#include "wrappers/StoredText.h"
 
 namespace VantorWrappers {
 
@@ -85,35 +85,35 @@ HostString Cut(HostString text, size_t longest) {
     return text;
 }
 
-// With a question mark for each character that the set does not have.
-std::string EncodeWhatCanBe(const HostString& text, std::string_view characterSet) {
-    constexpr char kNoCounterpart = '?';
-    if (auto encoded = CharacterSet::Encode(text, characterSet)) return *encoded;
-    std::string bytes;
-    for (const wchar_t each : text) {
-        const auto encoded = CharacterSet::Encode({&each, 1}, characterSet);
-        bytes += encoded ? *encoded : std::string(1, kNoCounterpart);
-    }
-    return bytes;
+// Where there is text in implicit VR, as far as anybody can tell: private elements and those that describe
+// pixels and regions are numbers more often, and numbers may look like anything.
+bool MayBeText(Tag tag) {
+    constexpr uint16_t kLastGroupOfTexts = 0x4FFF;
+    constexpr uint16_t kPixelGroup = 0x0028;
+    constexpr uint16_t kAcquisitionGroup = 0x0018;
+    constexpr uint16_t kFirstOfRegions = 0x6000;  // and what has come later
+    const bool isOfRegions = tag.fGroup == kAcquisitionGroup && tag.fElement >= kFirstOfRegions;
+    return tag.fGroup % 2 == 0 && tag.fGroup <= kLastGroupOfTexts && tag.fGroup != kPixelGroup &&
+           !isOfRegions;
 }
 
 // True for a value that is text with other characters than those of ASCII, which ISO 2022 writes with escape
 // sequences and without any other byte beyond ASCII. In implicit VR nobody says what is text; what has no
 // control characters is.
 bool IsNonAsciiText(const TDataSetEdit::Element& element) {
-    constexpr VrCode kTexts[] = {
-        Vr::kLO, Vr::kLT, Vr::kPN, Vr::kSH, Vr::kST, Vr::kUT, Vantor::MakeVr('U', 'C')};
-    const bool isAscii = Vantor::Platform::IsAscii(element.fValue) &&
-                         element.fValue.find(Vantor::kEscape) == std::string_view::npos;
-    if (element.fIsSequence || isAscii) return false;
-    if (std::find(std::begin(kTexts), std::end(kTexts), element.fVr) != std::end(kTexts)) return true;
-    constexpr char kFirstNoControl = ' ';
-    constexpr std::string_view kControlsOfText("\t\n\f\r\x1B\0", 6);
-    return element.fVr == Vr::kNotKnown &&
-           std::all_of(element.fValue.begin(), element.fValue.end(), [&](char each) {
-               return static_cast<uint8_t>(each) >= kFirstNoControl ||
-                      kControlsOfText.find(each) != std::string_view::npos;
-           });
+    if (element.fIsSequence || Vantor::IsPlainAscii(element.fValue)) return false;
+    if (element.fVr != Vr::kNotKnown) return Vantor::IsInCharacterSet(element.fVr);
+    return MayBeText(element.fTag) && !Vantor::HasControlCharacters(element.fValue);
+}
+
+// What files have to have besides what is put there anyway.
+bool IsNeededMeta(const TDataSetEdit::Element& element) {
+    constexpr Tag kGroupLength{0x0002, 0x0000};
+    constexpr Tag kUids[] = {Tags::kMediaStorageSOPClassUID, Tags::kTransferSyntaxUID};
+    if (element.fTag == kGroupLength)
+        return element.fVr == Vr::kUL && element.fValue.size() == sizeof(uint32_t);
+    return element.fVr == Vr::kUI &&
+           std::find(std::begin(kUids), std::end(kUids), element.fTag) != std::end(kUids);
 }
 
 }  // namespace
@@ -122,7 +122,7 @@ class ImageFileEditor::State {
   public:
     State(HostString path, std::shared_ptr<SavedImages> savedImages)
         : fPath(std::move(path)), fSavedImages(std::move(savedImages)) {
-        fError = FailureNumberOf([this] {
+        FailureNumberOf([this] {
             const TFileRewrite file(NativePath(fPath));
             fOld = Identity(file);
             const auto frames = file.GetText(Tags::kNumberOfFrames);
@@ -136,6 +136,7 @@ class ImageFileEditor::State {
         fUnresolved.clear();
         fRewrite = std::make_unique<TFileRewrite>(NativePath(fPath));
         fOld = Identity(*fRewrite);
+        FindOldTexts();
         TakeNewUids();
         PrepareDeIdentification();
         const Bytes elements = ChangeElements();
@@ -145,16 +146,22 @@ class ImageFileEditor::State {
         fFramesLeft = fNumberOfFrames;
     }
 
+    // A count of frames that no loop has is gone through in larger steps.
     void WriteNext() {
+        constexpr int32_t kMostSteps = 0x10000;
         if (fRewrite == nullptr) return;
-        const int64_t left = fRewrite->CopyNext(kBytesAtOnce);
+        const int32_t next = std::max(fFramesLeft - 1 - fNumberOfFrames / kMostSteps, 0);
+        const int64_t leftThen = SizeOf(next);
+        const int64_t left = fRewrite->CopyNext(std::min(fRewrite->GetSizeLeft() - leftThen, kBytesAtOnce));
         if (left > 0) {
-            fFramesLeft = FramesIn(left);
+            if (left <= leftThen) fFramesLeft = next;
             return;
         }
         fRewrite->Finish();
         fRewrite.reset();
+        const bool isInPlace = fTarget == NativePath(fPath);
         Shared().NoteSaved(fOld.fInstanceUID, fNewInstanceUID, fTarget, std::move(fUnresolved));
+        if (isInPlace) Shared().Add(fNewInstanceUID);
         fFramesLeft = 0;
     }
 
@@ -165,7 +172,6 @@ class ImageFileEditor::State {
 
     HostString fPath;
     std::shared_ptr<SavedImages> fSavedImages;
-    int32_t fError = 0;
     int32_t fNumberOfFrames = 1;
     std::map<Attribute, HostString> fValues;
     std::optional<TDeIdentification::Level> fLevel;
@@ -195,9 +201,10 @@ class ImageFileEditor::State {
 
     SavedImages::State& Shared() const { return *fSavedImages->fState; }
 
-    int32_t FramesIn(int64_t bytes) const {
+    // The bytes of so many frames. Compressed ones differ; on the whole it comes to the same.
+    int64_t SizeOf(int32_t frames) const {
         const int64_t size = fRewrite->GetSizeToCopy();
-        return static_cast<int32_t>((bytes * fNumberOfFrames + size - 1) / size);
+        return size / fNumberOfFrames * frames + size % fNumberOfFrames * frames / fNumberOfFrames;
     }
 
     std::optional<std::string> FindValue(Attribute attribute) const {
@@ -247,7 +254,7 @@ class ImageFileEditor::State {
 
     Fate Decide(const TDataSetEdit::Element& element) {
         if (fDeIdentification) return (*fDeIdentification)(element);
-        auto replaced = ReplaceUids(element, [this](std::string_view uid) { return FindUid(uid); });
+        auto replaced = ReplaceUidsOf(element, [this](std::string_view uid) { return FindUid(uid); });
         return replaced ? Fate::Replace(std::move(*replaced)) : Fate::Keep();
     }
 
@@ -263,7 +270,7 @@ class ImageFileEditor::State {
         }
         for (const auto& [attribute, text] : fValues) {
             const Place place = PlaceOf(attribute);
-            edit.Put(place.fTag, place.fVr, EncodeWhatCanBe(Cut(text, place.fLongest), characterSet));
+            edit.Put(place.fTag, place.fVr, Encode(attribute, text, characterSet).value_or(std::string()));
         }
         edit.SetRule([this](const TDataSetEdit::Element& element) { return Decide(element); });
         return edit.Apply(fRewrite->GetElements(), fRewrite->GetEncoding());
@@ -274,50 +281,84 @@ class ImageFileEditor::State {
         TDataSetEdit edit;
         edit.Put(Tags::kMediaStorageSOPInstanceUID, Vr::kUI, fNewInstanceUID);
         edit.Put(Tags::kImplementationClassUID, Vr::kUI, Vantor::Uids::kImplementationClass);
-        // The name of another writer's version; and who has sent the file.
+        if (fLevel) edit.Put(Tags::kFileMetaInformationVersion, Vr::kOB, std::string("\0\1", 2));
+        // The name of another writer's version goes; and with who the patient is, whoever has sent the file,
+        // and what else is there.
         const bool isDeIdentified = fLevel.has_value();
         edit.SetRule([isDeIdentified](const TDataSetEdit::Element& element) {
-            const bool isLastNeeded = element.fTag <= Tags::kImplementationClassUID;
-            const bool isRemoved =
-                element.fTag == Tags::kImplementationVersionName || (isDeIdentified && !isLastNeeded);
-            return isRemoved ? Fate::Remove() : Fate::Keep();
+            const bool isKept =
+                isDeIdentified ? IsNeededMeta(element) : element.fTag != Tags::kImplementationVersionName;
+            return isKept ? Fate::Keep() : Fate::Remove();
         });
         return edit.Apply(fRewrite->GetMeta(), kMetaEncoding);
     }
 
     // ---- Texts ----
 
+    // Of the texts that were set, those that the file has already, with their bytes there.
+    void FindOldTexts() {
+        fOldTexts.clear();
+        for (const auto& [attribute, text] : fValues) {
+            const Place place = PlaceOf(attribute);
+            auto old = FindStoredText(fRewrite->GetText(place.fTag), place.fVr, text);
+            if (old) fOldTexts[attribute] = std::move(*old);
+        }
+    }
+
+    // None when the character set has no character for one of the text.
+    std::optional<std::string> Encode(Attribute attribute, const HostString& text,
+                                      const std::string& characterSet) const {
+        const auto old = fOldTexts.find(attribute);
+        if (old != fOldTexts.end()) return old->second;
+        return CharacterSet::Encode(Cut(text, PlaceOf(attribute).fLongest), characterSet);
+    }
+
     // The file's own, unless a text that was set needs another one and nothing that stays needs this one.
     std::string ChooseCharacterSet() {
         std::string own = fRewrite->GetText(Tags::kSpecificCharacterSet);
-        if (FitIn(own) || HasOtherTexts()) return own;
-        return FitIn(CharacterSet::kLatin1) ? CharacterSet::kLatin1 : CharacterSet::kUtf8;
+        if (FitIn(own)) return own;
+        const std::string others = CollectOtherTexts();
+        std::optional<std::string> chosen;
+        if (others.empty()) {
+            chosen = FitIn(CharacterSet::kLatin1) ? CharacterSet::kLatin1 : CharacterSet::kUtf8;
+        } else if (own.empty() || own == CharacterSet::kAscii) {
+            chosen = CharacterSet::OfUnnamed(others);
+        }
+        if (!chosen || !FitIn(*chosen)) throw CharacterSetFailure();
+        return *chosen;
     }
 
     bool FitIn(const std::string& characterSet) const {
         return std::all_of(fValues.begin(), fValues.end(), [&](const auto& each) {
-            return CharacterSet::Encode(each.second, characterSet).has_value();
+            return Encode(each.first, each.second, characterSet).has_value();
         });
     }
 
-    // True when texts stay that are not of ASCII alone.
-    bool HasOtherTexts() {
-        bool hasOthers = false;
+    // Texts that stay and are not of ASCII alone, one after the other.
+    std::string CollectOtherTexts() {
+        std::string others;
+        const auto add = [&others](std::string_view text) { others.append(text).push_back('\n'); };
         TDataSetEdit edit;
         for (const auto& [attribute, text] : fValues) {
             edit.Put(PlaceOf(attribute).fTag, PlaceOf(attribute).fVr, {});
         }
+        for (const auto& [attribute, bytes] : fOldTexts) {
+            if (!Vantor::IsPlainAscii(bytes)) add(bytes);
+        }
         edit.SetRule([&](const TDataSetEdit::Element& element) {
             Fate fate = Decide(element);
-            if (fate.fKind == Fate::Kind::kKeep && IsNonAsciiText(element)) hasOthers = true;
+            if (fate.fKind == Fate::Kind::kKeep && IsNonAsciiText(element)) {
+                add(Vantor::TrimValue(element.fValue));
+            }
             return fate;
         });
         edit.Apply(fRewrite->GetElements(), fRewrite->GetEncoding());
-        return hasOthers;
+        return others;
     }
 
     std::string fTarget;
     std::string fNewInstanceUID;
+    std::map<Attribute, std::string> fOldTexts;
     UidMap fNewUids;                         // of this image: its instance, its series, its study
     UidMap fUnresolved;                      // what the new file names images by that are still to be saved
     std::unique_ptr<TFileRewrite> fRewrite;  // null while nothing is written
@@ -328,10 +369,6 @@ ImageFileEditor::ImageFileEditor(const HostString& path, std::shared_ptr<SavedIm
     : fState(std::make_unique<State>(path, std::move(savedImages))) {}
 
 ImageFileEditor::~ImageFileEditor() = default;
-
-int32_t ImageFileEditor::GetError() const { return fState->fError; }
-
-const HostString& ImageFileEditor::GetPath() const { return fState->fPath; }
 
 HostString ImageFileEditor::GetClassUID() const {
     return Vantor::Platform::ToHostText(fState->fOld.fClassUID);

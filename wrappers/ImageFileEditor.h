@@ -22,6 +22,8 @@ class ImageFileEditor {
     static constexpr int32_t kNoDicomFile = -1;  // a file that is no DICOM Part 10 file, or damaged
     static constexpr int32_t kNoMemory = -2;
     static constexpr int32_t kOtherFailure = -3;
+    static constexpr int32_t kDeflated = -4;      // a file that is compressed as a whole
+    static constexpr int32_t kCharacterSet = -5;  // a text was set that the file has no characters for
 
     // The attributes that can be set.
     enum class Attribute {
@@ -44,10 +46,7 @@ class ImageFileEditor {
     ImageFileEditor(const ImageFileEditor&) = delete;
     ImageFileEditor& operator=(const ImageFileEditor&) = delete;
 
-    // 0 when the file was read, else why not; it has no UIDs then, and one frame.
-    int32_t GetError() const;
-
-    const HostString& GetPath() const;
+    // A file that cannot be read has no UIDs, and one frame; BeginWriting tells why.
     HostString GetClassUID() const;
 
     // The UID that was set, else the file's.
@@ -57,8 +56,13 @@ class ImageFileEditor {
     int32_t GetNumberOfFrames() const;
 
     // What the new file has. An empty text leaves the attribute without a value; texts that are too long are
-    // cut. Text that the file's character set has no characters for changes the character set where that is
-    // possible, else those characters become question marks.
+    // cut.
+    //
+    // A text as hosts see that of the file, in a record or in the file itself, leaves the bytes that are
+    // there, whatever character set they are in. So does that text without carets at its end, but for them.
+    // Other texts are written in the file's character set, if that is Latin-1 or UTF-8, or they are ASCII; in
+    // one of these if the file names none, and its texts can be that; and in another one than the file's if
+    // nothing that stays needs it. Else the file is not written: kCharacterSet.
     void Set(Attribute attribute, const HostString& text);
 
     // Takes out of the new file who the patient is (1), and also the names of physicians and operators (2);
@@ -69,8 +73,8 @@ class ImageFileEditor {
     // number of an error.
     int32_t BeginWriting(const HostString& path);
 
-    // Writes on, for a few milliseconds. 0, or the number of an error, which ends the writing. When no frames
-    // are left, the file is in its place.
+    // Writes the next frame, or of a large one the next part, which takes a few milliseconds. 0, or the
+    // number of an error, which ends the writing. When no frames are left, the file is in its place.
     int32_t WriteNext();
 
     // How many frames have to be written; 0 before the beginning. From any thread.

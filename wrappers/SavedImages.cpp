@@ -7,6 +7,7 @@
 #include "dicom/TDataSetEdit.h"
 #include "dicom/TException.h"
 #include "dicom/TFileRewrite.h"
+#include "dicom/Tags.h"
 #include "dicom/ValueText.h"
 #include "platform/FileException.h"
 #include "records/TDicomUtils.h"
@@ -20,9 +21,6 @@ using Vantor::TException;
 using Vantor::TFileRewrite;
 
 namespace {
-
-constexpr int64_t kBytesAtOnce = 0x400000;
-constexpr char kBetweenUids = '\\';
 
 // Below the library's root, two numbers that nobody has had before.
 std::string MakeUid() {
@@ -40,14 +38,13 @@ void RewriteUids(const std::string& path, const UidMap& uids) {
     };
     TDataSetEdit edit;
     edit.SetRule([&find](const TDataSetEdit::Element& element) {
-        auto replaced = ReplaceUids(element, find);
+        auto replaced = ReplaceUidsOf(element, find);
         return replaced ? TDataSetEdit::Fate::Replace(std::move(*replaced)) : TDataSetEdit::Fate::Keep();
     });
     TFileRewrite rewrite(path);
     const auto elements = edit.Apply(rewrite.GetElements(), rewrite.GetEncoding());
     rewrite.Begin(path, rewrite.GetMeta(), elements, TFileRewrite::Rest::kKept);
-    while (rewrite.CopyNext(kBytesAtOnce) > 0) {
-    }
+    rewrite.CopyNext(rewrite.GetSizeToCopy());
     rewrite.Finish();
 }
 
@@ -57,7 +54,7 @@ SavedImages::SavedImages() : fState(std::make_unique<State>()) {}
 
 SavedImages::~SavedImages() = default;
 
-int32_t SavedImages::Finish() { return fState->ResolveAll(); }
+int32_t SavedImages::Finish() { return fState->FinishAll(); }
 
 void SavedImages::State::Add(const std::string& uid) {
     const std::lock_guard<std::mutex> guard(fLock);
@@ -90,7 +87,7 @@ void SavedImages::State::NoteSaved(const std::string& uid, const std::string& ne
     if (!unresolved.empty()) fFiles.push_back({path, std::move(unresolved)});
 }
 
-int32_t SavedImages::State::ResolveAll() {
+int32_t SavedImages::State::FinishAll() {
     const std::lock_guard<std::mutex> guard(fLock);
     int32_t failure = 0;
     for (const File& file : std::exchange(fFiles, {})) {
@@ -103,25 +100,17 @@ int32_t SavedImages::State::ResolveAll() {
         const int32_t number = FailureNumberOf([&] { RewriteUids(file.fPath, uids); });
         if (number != 0) failure = number;
     }
+    fNewUids.clear();
+    fReplacements.clear();
     return failure;
 }
 
-std::optional<std::string> ReplaceUids(const TDataSetEdit::Element& element, const UidFinder& find) {
+std::optional<std::string> ReplaceUidsOf(const TDataSetEdit::Element& element,
+                                         const Vantor::UidFinder& find) {
+    const bool isItem = element.fTag.fGroup == Vantor::Tags::kItem.fGroup;
     const bool mayHaveUids = element.fVr == Vantor::Vr::kUI || element.fVr == Vantor::Vr::kNotKnown;
-    if (element.fIsSequence || !mayHaveUids) return std::nullopt;
-    std::string result;
-    bool isReplaced = false;
-    for (const std::string_view part : Vantor::SplitValue(element.fValue, kBetweenUids)) {
-        const std::string_view uid = Vantor::TrimValue(part);
-        const auto replacement = find(uid);
-        if (replacement && *replacement != uid) isReplaced = true;
-        if (part.data() != element.fValue.data()) result += kBetweenUids;
-        result += replacement ? *replacement : std::string(uid);
-    }
-    // In implicit VR nobody else knows that it is a UID, which is padded with a NUL.
-    if (result.size() % 2 != 0) result += '\0';
-    if (!isReplaced) return std::nullopt;
-    return result;
+    if (element.fIsSequence || isItem || !mayHaveUids) return std::nullopt;
+    return Vantor::ReplaceUids(element.fValue, find);
 }
 
 int32_t FailureNumberOf(const std::function<void()>& work) {
@@ -130,7 +119,10 @@ int32_t FailureNumberOf(const std::function<void()>& work) {
         return 0;
     } catch (TException* thrown) {
         const std::unique_ptr<TException> error(thrown);
-        return ImageFileEditor::kNoDicomFile;
+        const bool isDeflated = error->GetErrorText() == std::string_view(TFileRewrite::kDeflatedFile);
+        return isDeflated ? ImageFileEditor::kDeflated : ImageFileEditor::kNoDicomFile;
+    } catch (const CharacterSetFailure&) {
+        return ImageFileEditor::kCharacterSet;
     } catch (const Vantor::Platform::FileException& error) {
         return error.GetOsError() != 0 ? error.GetOsError() : ImageFileEditor::kOtherFailure;
     } catch (const std::bad_alloc&) {

@@ -20,8 +20,10 @@ class SavedImages {
     SavedImages(const SavedImages&) = delete;
     SavedImages& operator=(const SavedImages&) = delete;
 
-    // To be called when all are written: files that were written before an image that they refer to, and
-    // do not name it by its new UID yet, are written once more. 0, or the number of an error, the last one.
+    // To be called when all are written, or have failed, and before they are saved again: files that were
+    // written before an image that they refer to, and do not name it by its new UID yet, are written once
+    // more. What images and UIDs became is forgotten then: the next files that are written have nothing to do
+    // with these. 0, or the number of an error, the last one.
     int32_t Finish();
 
   private:

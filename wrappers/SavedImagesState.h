@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -10,6 +11,7 @@
 #include <vector>
 
 #include "dicom/TDataSetEdit.h"
+#include "dicom/ValueText.h"
 #include "wrappers/SavedImages.h"
 
 namespace VantorWrappers {
@@ -34,9 +36,9 @@ class SavedImages::State {
     void NoteSaved(const std::string& uid, const std::string& newUid, const std::string& path,
                    UidMap unresolved);
 
-    // Writes the files again that name images which have been saved meanwhile. The number of the last
-    // failure, or 0.
-    int32_t ResolveAll();
+    // Writes the files again that name images which have been saved meanwhile, and forgets new UIDs. The
+    // number of the last failure, or 0.
+    int32_t FinishAll();
 
   private:
     // A file, and what it names images by that may have been saved since.
@@ -52,11 +54,12 @@ class SavedImages::State {
     std::vector<File> fFiles;
 };
 
-// What takes the place of a UID; none for one that stays.
-using UidFinder = std::function<std::optional<std::string>(std::string_view uid)>;
+// The value of an element that may have UIDs, with others; see Vantor::ReplaceUids.
+std::optional<std::string> ReplaceUidsOf(const Vantor::TDataSetEdit::Element& element,
+                                         const Vantor::UidFinder& find);
 
-// The value of an element with other UIDs, each of several found by itself. None when all of them stay.
-std::optional<std::string> ReplaceUids(const Vantor::TDataSetEdit::Element& element, const UidFinder& find);
+// A text cannot be written in the character set that a file has to keep.
+class CharacterSetFailure : public std::exception {};
 
 // Runs work on files. 0, or the number that hosts are told of its failure.
 int32_t FailureNumberOf(const std::function<void()>& work);

@@ -12,6 +12,7 @@
 #include "records/TSeriesDoc.h"
 #include "wrappers/DicomDirectory.h"
 #include "wrappers/DirectoryUpdate.h"
+#include "wrappers/MediaBounds.h"
 
 namespace VantorWrappers {
 
@@ -70,7 +71,7 @@ std::string SeriesSave::MakeImageUID(Vantor::TSeriesDoc& series) {
     const int32_t count = series.GetImageDocs()->GetCount();
     const bool isKnown = &series == fNumbered && (count == fImageCount || count == fImageCount + 1);
     if (!isKnown) fLastComponent = utils.GetLastImageComponent(series);
-    const std::string uid = utils.CreateImageUIDAfter(fLastComponent, series);
+    std::string uid = utils.CreateImageUIDAfter(fLastComponent, series);
     fNumbered = &series;
     fImageCount = count;
     fLastComponent = std::max(fLastComponent, utils.GetLastComponent(uid));
@@ -82,9 +83,11 @@ std::string SeriesSave::MakeImageUID(Vantor::TSeriesDoc& series) {
 bool SeriesSave::Write(AxDicomImage& control, size_t index, size_t count) {
     const int32_t frames = control.GetNumberOfFrames();
     int32_t error = control.SaveAs();
+    fIsUnderWay = error == 0;
     const bool isComplete =
         error == 0 && Wait(control, frames, static_cast<int32_t>(index) + 1, static_cast<int32_t>(count));
     if (isComplete) error = control.GetSaveResult();
+    fIsUnderWay = false;
     if (error == 0) return true;
     Fail(ErrorSeverity::Fatal, ErrorNumber::SaveGeneralFailure,
          "Call to DicomImage::SaveAs failed; error = " + std::to_string(error));
@@ -106,6 +109,29 @@ bool SeriesSave::Wait(const AxDicomImage& control, int32_t frames, int32_t image
         Vantor::Platform::Clock::Current().Sleep(kRest);
     }
     return pending == 0;
+}
+
+// What the control throws ends the wait as well: somebody else has thrown already.
+void SeriesSave::WaitQuietly(const AxDicomImage& control) const {
+    try {
+        int32_t last = control.GetImagesToWrite();
+        for (int32_t stalls = 0; last != 0 && stalls <= fStallLimit;) {
+            Vantor::Platform::Clock::Current().Sleep(kRest);
+            const int32_t pending = control.GetImagesToWrite();
+            stalls = pending == last ? stalls + 1 : 0;
+            last = pending;
+        }
+    } catch (...) {
+        return;
+    }
+}
+
+bool SeriesSave::MayBeWritten(Vantor::TDicomDirectory* directory, const std::string& path) {
+    const auto places = directory == nullptr ? nullptr : directory->GetFilePlaces();
+    if (places != nullptr && IsOnMedium(*places, path)) return true;
+    Fail(ErrorSeverity::Fatal, ErrorNumber::SaveGeneralFailure,
+         "Image file is not in the folder of its directory");
+    return false;
 }
 
 // ---- The DICOMDIR ----

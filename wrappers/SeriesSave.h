@@ -10,9 +10,10 @@
 #include "wrappers/SeriesSaver.h"
 
 namespace Vantor {
+class TDicomDirectory;
 class TImageDoc;
 class TSeriesDoc;
-}
+}  // namespace Vantor
 
 namespace VantorWrappers {
 
@@ -46,6 +47,16 @@ class SeriesSave {
     // which is noted.
     bool Write(VantorHost::AxDicomImage& control, size_t index, size_t count);
 
+    // True when the last Write did not return, but its control had begun to write.
+    bool IsUnderWay() const { return fIsUnderWay; }
+
+    // Waits for a control that is under way, without telling anybody; as Write does, not forever.
+    void WaitQuietly(const VantorHost::AxDicomImage& control) const;
+
+    // False for a path that no file of the directory may have, which is noted: see IsOnMedium. The directory
+    // may be null.
+    bool MayBeWritten(Vantor::TDicomDirectory* directory, const std::string& path);
+
     // Writes the DICOMDIR at the end. `operation` is its name in the trace.
     void WriteDirectory(DicomDirectory& directory, const char* operation);
 
@@ -56,6 +67,7 @@ class SeriesSave {
     LuminaError& fResult;
     VantorHost::TraceArea fArea;
     int32_t fStallLimit;
+    bool fIsUnderWay = false;
 
     // The series that is numbered, how many images it had when its last UID was made, and that UID's last
     // component.

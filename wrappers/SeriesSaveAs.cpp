@@ -2,17 +2,16 @@
 
 #include <cstdio>
 #include <exception>
-#include <initializer_list>
 #include <memory>
 #include <string_view>
 
 #include "dicom/Attempt.h"
-#include "dicom/CharacterSet.h"
 #include "dicom/TException.h"
 #include "dicom/TImageFile.h"
 #include "directory/TDicomDirectory.h"
 #include "platform/Clock.h"
 #include "platform/CodePage.h"
+#include "platform/FileSystem.h"
 #include "platform/PathStyle.h"
 #include "records/TDicomUtils.h"
 #include "records/TPatientDoc.h"
@@ -20,7 +19,9 @@
 #include "records/TStudyDoc.h"
 #include "wrappers/DicomDirectory.h"
 #include "wrappers/DirectoryUpdate.h"
+#include "wrappers/MediaBounds.h"
 #include "wrappers/NativeText.h"
+#include "wrappers/RecordTexts.h"
 
 namespace VantorWrappers {
 
@@ -52,22 +53,13 @@ std::string Native(const HostString& text) {
     return bytes;
 }
 
-// Says in a new record which character set its texts are in, where they need one.
-void NoteCharacterSet(TDicomDoc& doc, std::initializer_list<HostString> texts) {
-    for (const HostString& text : texts) {
-        const auto term = CharacterSet::OfNativeText(Native(text));
-        if (!term) continue;
-        const auto length = static_cast<uint32_t>(term->size());
-        doc.GetDataSet()->PutElement(Tags::kSpecificCharacterSet, Vr::kCS, length, term->data(), length);
-        return;
-    }
-}
-
 std::string Format(const char* format, int first, int second, int third = 0) {
     char text[40];
     std::snprintf(text, sizeof(text), format, first, second, third);
     return text;
 }
+
+const TDicomDoc* FindAbove(const TDicomDoc* doc) { return doc == nullptr ? nullptr : doc->GetParentObj(); }
 
 std::string ReadUidOf(const TStudyDoc& study) {
     TUidText uid;
@@ -80,6 +72,23 @@ std::string ReadRecordText(const TDicomDoc& doc, Tag tag) {
     doc.ViewRecord().GetText(tag, text, sizeof(text));
     return text;
 }
+
+// A file that a control writes under a name that was free. Goes away unless it is kept.
+class NewFile {
+  public:
+    explicit NewFile(const std::string& path) : fPath(path) {}
+    ~NewFile() {
+        if (!fIsKept) Succeeds([this] { Platform::RemoveFile(fPath); });
+    }
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+
+    void Keep() { fIsKept = true; }
+
+  private:
+    const std::string& fPath;
+    bool fIsKept = false;
+};
 
 // Lends a document a parent that it does not keep.
 class BorrowedParent {
@@ -169,6 +178,11 @@ TSeriesDoc* SeriesSaveAs::FindSeries() const {
                                                          : directory->FindSeries(FromHostText(fNewSeriesUID));
 }
 
+TSeriesDoc* SeriesSaveAs::FindSource(const SeriesDirRec* series) {
+    DicomDirectory* const directory = series == nullptr ? nullptr : series->GetDicomDirectory();
+    return directory == nullptr ? nullptr : directory->GetUmSeries(series->GetSeriesUID());
+}
+
 // ---- The records above the images ----
 
 bool SeriesSaveAs::MakePlace(const SeriesDirRec* series) {
@@ -177,23 +191,25 @@ bool SeriesSaveAs::MakePlace(const SeriesDirRec* series) {
         return false;
     }
     fDestination->ForceRefresh();
-    TPatientDoc* const patient = MakePatient();
+    TPatientDoc* const patient = MakePatient(FindSource(series));
     if (patient == nullptr) return false;
     const bool isNewStudy = fInfo->GetNewStudyFlag() || series == nullptr;
-    TStudyDoc* const study = isNewStudy ? MakeNewStudy(*patient) : JoinStudy(*patient, *series);
+    TStudyDoc* const study =
+        isNewStudy ? MakeNewStudy(*patient, FindSource(series)) : JoinStudy(*patient, FindSource(series));
     const bool isMade = study != nullptr && MakeSeries(*study, series) != nullptr;
     // A study that is there already keeps its patient.
     RemoveEmptyDocs(*FindDirectory(), patient, false);
     return isMade;
 }
 
-TPatientDoc* SeriesSaveAs::MakePatient() {
+TPatientDoc* SeriesSaveAs::MakePatient(const TSeriesDoc* source) {
     std::unique_ptr<TPatientDoc> patient;
     const bool isMade = Succeeds([&] {
         patient = std::make_unique<TPatientDoc>(nullptr, nullptr);
-        patient->SetPatientName(Native(fPatientName).c_str());
-        patient->SetPatientNumber(Native(fInfo->GetPatientNumber()).c_str());
-        NoteCharacterSet(*patient, {fPatientName, fInfo->GetPatientNumber()});
+        RecordTexts texts(FindAbove(FindAbove(source)));
+        texts.Add(Tags::kPatientName, Vr::kPN, fPatientName);
+        texts.Add(Tags::kPatientID, Vr::kLO, fInfo->GetPatientNumber());
+        texts.PutInto(*patient);
     });
     if (!isMade) {
         FailGeneral(ErrorSeverity::InternalError, "Failed to create new unmanaged patient object");
@@ -215,21 +231,22 @@ std::string SeriesSaveAs::MakeStudyUID() const {
     return uid;
 }
 
-void SeriesSaveAs::FillStudy(TStudyDoc& study) const {
+void SeriesSaveAs::FillStudy(TStudyDoc& study, const TSeriesDoc* source) const {
+    RecordTexts texts(FindAbove(source));
     // A study without study ID is given one when it is written.
     const HostString studyID = fInfo->GetStudyID().value_or(HostString());
-    if (!studyID.empty()) study.SetStudyID(Native(studyID).c_str());
-    study.SetStudyName(Native(fInfo->GetStudyDescription()).c_str());
-    study.SetAccessionNum(Native(fInfo->GetAccessionNumber()).c_str());
-    NoteCharacterSet(study, {studyID, fInfo->GetStudyDescription(), fInfo->GetAccessionNumber()});
+    if (!studyID.empty()) texts.Add(Tags::kStudyID, Vr::kSH, studyID);
+    texts.Add(Tags::kStudyDescription, Vr::kLO, fInfo->GetStudyDescription());
+    texts.Add(Tags::kAccessionNumber, Vr::kSH, fInfo->GetAccessionNumber());
+    texts.PutInto(study);
 }
 
-TStudyDoc* SeriesSaveAs::MakeNewStudy(TPatientDoc& patient) {
+TStudyDoc* SeriesSaveAs::MakeNewStudy(TPatientDoc& patient, const TSeriesDoc* source) {
     std::unique_ptr<TStudyDoc> study;
     const bool isMade = Succeeds([&] {
         const auto now = Platform::Clock::Current().GetLocalTime().value_or(Platform::LocalTime());
         study = std::make_unique<TStudyDoc>(nullptr, nullptr);
-        FillStudy(*study);
+        FillStudy(*study, source);
         study->SetStudyDate(Format("%04d%02d%02d", now.fYear, now.fMonth, now.fDay).c_str());
         study->SetStudyTime(Format("%02d%02d", now.fHour, now.fMinute).c_str());
         fStudyUID = MakeStudyUID();
@@ -246,9 +263,7 @@ TStudyDoc* SeriesSaveAs::MakeNewStudy(TPatientDoc& patient) {
         });
 }
 
-TStudyDoc* SeriesSaveAs::JoinStudy(TPatientDoc& patient, const SeriesDirRec& series) {
-    DicomDirectory* const directory = series.GetDicomDirectory();
-    TSeriesDoc* const source = directory == nullptr ? nullptr : directory->GetUmSeries(series.GetSeriesUID());
+TStudyDoc* SeriesSaveAs::JoinStudy(TPatientDoc& patient, const TSeriesDoc* source) {
     if (source == nullptr) {
         FailGeneral(ErrorSeverity::Fatal, "Failed to find unmanaged series object");
         return nullptr;
@@ -262,7 +277,7 @@ TStudyDoc* SeriesSaveAs::JoinStudy(TPatientDoc& patient, const SeriesDirRec& ser
     if (fStudyUID.empty()) fStudyUID = MakeStudyUID();
     return Require<TStudyDoc>("Failed to find the study in directory; error = ", [&](int32_t& error) {
         TStudyDoc study(nullptr, nullptr);
-        FillStudy(study);
+        FillStudy(study, source);
         study.SetStudyDate(ReadRecordText(*sourceStudy, Tags::kStudyDate).c_str());
         study.SetStudyTime(ReadRecordText(*sourceStudy, Tags::kStudyTime).c_str());
         study.SetStudyUID(fStudyUID.c_str());
@@ -298,8 +313,9 @@ TSeriesDoc* SeriesSaveAs::MakeSeries(TStudyDoc& study, const SeriesDirRec* sourc
         // A series without number is given one when it is written.
         const std::string number = Native(fInfo->GetSeriesNumber());
         if (!number.empty()) series->SetSeriesNumber(number.c_str());
-        series->SetSeriesDesc(Native(fInfo->GetSeriesDescription()).c_str());
-        NoteCharacterSet(*series, {fInfo->GetSeriesDescription()});
+        RecordTexts texts(FindSource(source));
+        texts.Add(Tags::kSeriesDescription, Vr::kLO, fInfo->GetSeriesDescription());
+        texts.PutInto(*series);
         fNewSeriesUID = ToHostText(uid);
     });
     if (!isMade) {
@@ -350,14 +366,27 @@ void SeriesSaveAs::SaveImage(AxDicomImage& control, size_t index, size_t count) 
     if (path.empty()) {
         return Fail(ErrorSeverity::Fatal, ErrorNumber::FileNamesAllUsed, "Image file name generation failed");
     }
+    if (!MayBeWritten(FindDirectory(), path)) return;
     control.SetSCPathName(ToHostText(path));
     control.SetInstanceUID(ToHostText(uid));
     Prepare(control);
     control.SetImageNumber(number);
-    if (Write(control, index, count)) Enter(*image, control, path);
+    NewFile file(path);
+    try {
+        if (WriteAndEnter(*image, control, index, count, path)) file.Keep();
+    } catch (...) {
+        // What is being written would have no record: it is removed once it is there.
+        if (IsUnderWay()) WaitQuietly(control);
+        throw;
+    }
 }
 
-// Empty when there is none.
+bool SeriesSaveAs::WriteAndEnter(TImageDoc& image, AxDicomImage& control, size_t index, size_t count,
+                                 const std::string& path) {
+    return Write(control, index, count) && Enter(image, control, path);
+}
+
+// Empty when there is none. The control is asked first: it may do away with the directory.
 std::string SeriesSaveAs::MakeFileName(const AxDicomImage& control) {
     char path[TFileSpec::kPathSize] = {};
     int32_t length = 0;
@@ -365,22 +394,34 @@ std::string SeriesSaveAs::MakeFileName(const AxDicomImage& control) {
         const std::string source = FromHostText(control.GetPathName());
         const std::string name(PathStyle::OfPlatform().LastPart(source));
         const std::string classUID = FromHostText(control.GetClassUID());
-        FindDirectory()->MakeImageFileName(path, length, FindSubFolder().c_str(), classUID.c_str(),
-                                           name.c_str());
+        TDicomDirectory* const directory = FindDirectory();
+        if (directory == nullptr) return;
+        directory->MakeImageFileName(path, length, FindSubFolder(*directory).c_str(), classUID.c_str(),
+                                     name.c_str());
     });
     return length > 0 ? std::string(path) : std::string();
 }
 
+// False when the folder in which those of the studies are is a link elsewhere.
+bool SeriesSaveAs::MayHaveFolders(TDicomDirectory& directory) {
+    char path[TFileSpec::kPathSize] = {};
+    int32_t length = 0;
+    directory.MakeImageFileName(path, length, "", "", "");
+    return IsOnMedium(*directory.GetFilePlaces(), path);
+}
+
 // In an exam layout each study has a folder.
-std::string SeriesSaveAs::FindSubFolder() {
+std::string SeriesSaveAs::FindSubFolder(TDicomDirectory& directory) {
     constexpr char kSeparator = '\\';
-    TDicomDirectory& directory = *FindDirectory();
     if (directory.GetDirectoryType() != TRecordDirectory::kExamLayout) return {};
-    TStudyDoc* const study = FindSeries()->GetStudy();
+    const TSeriesDoc* const series = FindSeries();
+    TStudyDoc* const study = series == nullptr ? nullptr : series->GetStudy();
+    if (study == nullptr) return {};
     char name[TDicomDoc::kFolderNameSize] = {};
     study->GetFolderName(name);
     if (name[0] == '\0') {
         constexpr int32_t kReserved = 0;
+        if (!MayHaveFolders(directory)) return {};
         directory.CreateExamFolders(name, sizeof(name), kReserved, study);
         fHasMadeFolder = true;
     }
@@ -403,11 +444,12 @@ void SeriesSaveAs::Prepare(AxDicomImage& control) const {
     control.SetStudyID(fInfo->GetStudyID().value_or(HostString()));
 }
 
-void SeriesSaveAs::Enter(TImageDoc& image, const AxDicomImage& control, const std::string& path) {
-    TDicomDirectory* const directory = FindDirectory();
-    TSeriesDoc* const series = FindSeries();
+// False when the image could not be entered, which is noted. The control is asked first here as well.
+bool SeriesSaveAs::Enter(TImageDoc& image, const AxDicomImage& control, const std::string& path) {
     const std::string instanceUID = FromHostText(control.GetInstanceUID());
     const std::string classUID = FromHostText(control.GetClassUID());
+    TDicomDirectory* const directory = FindDirectory();
+    TSeriesDoc* const series = FindSeries();
     const bool isAttached =
         series != nullptr && Succeeds([&] {
             const auto makeFile = [&] {
@@ -423,14 +465,17 @@ void SeriesSaveAs::Enter(TImageDoc& image, const AxDicomImage& control, const st
             directory->RegisterDicomFile(makeFile());
         });
     if (!isAttached) {
-        return FailGeneral(ErrorSeverity::Fatal, "Failed to create a new unmanaged file object");
+        FailGeneral(ErrorSeverity::Fatal, "Failed to create a new unmanaged file object");
+        return false;
     }
     const auto* const inserted = Require<TImageDoc>(
         "Failed to insert image into series record; error = ",
         [&](int32_t& error) { return series->AddChild(&image, nullptr, true, error) ? &image : nullptr; });
-    if (inserted == nullptr) return;
-    Require<TImageDoc>("Failed to find/create image in the directory; error = ",
-                       [&](int32_t& error) { return directory->FindOrCreateDoc(&image, error); });
+    if (inserted == nullptr) return false;
+    const auto* const entered =
+        Require<TImageDoc>("Failed to find/create image in the directory; error = ",
+                           [&](int32_t& error) { return directory->FindOrCreateDoc(&image, error); });
+    return entered != nullptr;
 }
 
 }  // namespace VantorWrappers

@@ -32,12 +32,12 @@ class SeriesSaveAs : private SeriesSave {
 
     // The records above the images. Null, or false, when one cannot be had, which is noted.
     bool MakePlace(const SeriesDirRec* series);
-    Vantor::TPatientDoc* MakePatient();
-    Vantor::TStudyDoc* MakeNewStudy(Vantor::TPatientDoc& patient);
-    Vantor::TStudyDoc* JoinStudy(Vantor::TPatientDoc& patient, const SeriesDirRec& series);
+    Vantor::TPatientDoc* MakePatient(const Vantor::TSeriesDoc* source);
+    Vantor::TStudyDoc* MakeNewStudy(Vantor::TPatientDoc& patient, const Vantor::TSeriesDoc* source);
+    Vantor::TStudyDoc* JoinStudy(Vantor::TPatientDoc& patient, const Vantor::TSeriesDoc* source);
     Vantor::TSeriesDoc* MakeSeries(Vantor::TStudyDoc& study, const SeriesDirRec* source);
     std::string MakeSeriesUID(Vantor::TStudyDoc& study, const SeriesDirRec* source) const;
-    void FillStudy(Vantor::TStudyDoc& study) const;
+    void FillStudy(Vantor::TStudyDoc& study, const Vantor::TSeriesDoc* source) const;
     std::string MakeStudyUID() const;
     void RemoveEmptyPlace();
 
@@ -45,14 +45,20 @@ class SeriesSaveAs : private SeriesSave {
     void SaveImages(const Images& images, const ImageControls& controls);
     void SaveImage(VantorHost::AxDicomImage& control, size_t index, size_t count);
     std::string MakeFileName(const VantorHost::AxDicomImage& control);
-    std::string FindSubFolder();
+    std::string FindSubFolder(Vantor::TDicomDirectory& directory);
+    static bool MayHaveFolders(Vantor::TDicomDirectory& directory);
     void Prepare(VantorHost::AxDicomImage& control) const;
-    void Enter(Vantor::TImageDoc& image, const VantorHost::AxDicomImage& control, const std::string& path);
+    bool WriteAndEnter(Vantor::TImageDoc& image, VantorHost::AxDicomImage& control, size_t index,
+                       size_t count, const std::string& path);
+    bool Enter(Vantor::TImageDoc& image, const VantorHost::AxDicomImage& control, const std::string& path);
 
     // The destination and the new series, looked for anew: the host has been called meanwhile. Null when they
     // are not there any more.
     Vantor::TDicomDirectory* FindDirectory() const;
     Vantor::TSeriesDoc* FindSeries() const;
+
+    // Likewise the series that is copied; null without one.
+    static Vantor::TSeriesDoc* FindSource(const SeriesDirRec* series);
 
     void FailGeneral(ErrorSeverity severity, const std::string& line);
 

@@ -30,6 +30,13 @@ bool TrimTrailingCarets();
 //
 // Controls are not owned. Their list goes with the list of images; one that is missing there, or null, is a
 // failure of that image.
+//
+// What is passed, the saver itself, and each control in the list have to be there until the operation has
+// come back, also when a control or a subscriber thinks it is done. Either may dispose of directories, and
+// clear the lists: the images that are not saved by then are left out.
+//
+// Nothing is written but below the folder of the directory, whatever its records say: a control whose path is
+// elsewhere, or leads there by a link, is a failure of its image.
 class SeriesSaver {
   public:
     using ImageControls = std::vector<VantorHost::AxDicomImage*>;
@@ -44,16 +51,21 @@ class SeriesSaver {
     // new instance UIDs if the info says so, which the records then have as well.
     //     (InternalError, SaveGeneralFailure)      a parameter or a control is missing
     //     (Fatal, SaveOpenForUpdateFailure)        the DICOMDIR cannot be opened; nothing is saved
-    //     (Fatal, SaveGeneralFailure)              an image is not in the directory, or its control failed
+    //     (Fatal, SaveGeneralFailure)              an image is not in the directory, its file is elsewhere,
+    //     or
+    //                                              its control failed
     //     (Fatal, DirectoryWriteError)             the images are saved, the DICOMDIR could not be written
-    // The record of an image that could not be saved stays as it was. A failure of an earlier call stays the
-    // result until SaveAsSeries starts anew: hosts rely on it.
+    // The record of an image that could not be saved stays as it was, also when its control throws, and the
+    // control is told its old UID and number again. A failure of an earlier call stays the result until
+    // SaveAsSeries starts anew: hosts rely on it.
     LuminaError SaveSeries(const SaveInfo* saveInfo, std::vector<ImageDirRec>* images,
                            const ImageControls* controls, const SeriesDirRec* series);
 
     // Saves copies of images as a new series with new UIDs in the directory that the info names, below the
     // patient that it names. `series` is the one that the images are of; without one the copy has the
-    // modality "SC" and a study of its own. `newSeriesUID` is empty until the series is made.
+    // modality "SC" and a study of its own. `newSeriesUID` is empty until the series is made. Texts that are
+    // those of the source's records keep their bytes and character set in the new ones; see RecordTexts. The
+    // file of an image that could not be entered, also because a subscriber has thrown, is removed again.
     //     (InternalError, SaveGeneralFailure)      a parameter, the directory or a control is missing
     //     (Fatal, SaveOpenForUpdateFailure)        the DICOMDIR cannot be opened; nothing is saved
     //     (Fatal, SaveGeneralFailure)              a record cannot be made, or an image's control failed

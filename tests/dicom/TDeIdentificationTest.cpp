@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <utility>
 
@@ -64,6 +65,7 @@ TEST(TDeIdentification, EachAttributeHasItsFateAtEachLevel) {
                                {{0x0018, 0xFF04}, Vr::kDA, "20240315", {kGone, kGone}},
                                {{0x0018, 0xFF06}, Vr::kPN, "Who^Dr", {"", ""}},
                                {{0x0018, 0x1012}, Vr::kDA, "20240315", {kGone, kGone}},
+                               {{0x0034, 0x0005}, Vr::kOB, "source", {kGone, kGone}},
                                {{0x0040, 0xA075}, Vr::kPN, "Who^Dr", {"Who^Dr", "ANONYMIZED"}},
                                {{0x0070, 0x0083}, Vr::kTM, "1212", {"000000", "000000"}},
                                {{0x6002, 0x1500}, Vr::kLO, "overlay", {kGone, kGone}}};
@@ -103,6 +105,8 @@ constexpr char kJapanese[] =
     "Yamada^Tarou=\x1B$B;3ED\x1B(B^\x1B$BB@O:\x1B(B=\x1B$B$d$^$@\x1B(B^\x1B$B$?$m$&\x1B(B";
 constexpr char kUtf8[] = "Wang^XiaoDong=\xE7\x8E\x8B^\xE5\xB0\x8F\xE6\x9D\xB1=";
 
+constexpr char kGb18030[] = "\x95\\\x81\\^\xC4\xCF\xA5";  // in each character a byte that is a separator
+
 TEST(TDeIdentification, TextsThatTellThePatientAreBlanked) {
     struct Case {
         const char* fName;
@@ -112,6 +116,8 @@ TEST(TDeIdentification, TextsThatTellThePatientAreBlanked) {
     constexpr Case kCases[] = {{"Doe^Jane", "for DOE, Jane!", false},
                                {"Doe^Jane^M^Dr", "jane_doe 12", false},
                                {"Doe^Jane", "JaneDoe", false},
+                               {"Doe^Jane", "'Doe': (Jane)|", false},
+                               {"Doe^Jane", "\x1B$B Jane_Doe", false},
                                {"Doe^Jane", "Doe and Janet", true},
                                {"Doe, Jane", "Jane Doe", false},
                                {"Li^A", "Li A", false},
@@ -125,6 +131,7 @@ TEST(TDeIdentification, TextsThatTellThePatientAreBlanked) {
                                {"Aki=\x1B$B=)=);3\x1B(B", "\x1B$B=)=);3\x1B(B", false},
                                {kUtf8, "\xE5\xB0\x8F\xE6\x9D\xB1\xE7\x8E\x8B", false},
                                {kUtf8, "dong \xE7\x8E\x8B", true},
+                               {kGb18030, "x\xC4\xCF\xA5 \x95\\\x81\\", false},
                                {"Caf\xE9^Ren\xE9", "ren\xE9 caf\xE9", false}};
     for (const VantorTest::Encoding& encoding : kEncodings) {
         for (const Case& one : kCases) {
@@ -147,6 +154,86 @@ TEST(TDeIdentification, TextsThatTellThePatientAreBlanked) {
 TEST(TDeIdentification, ItemsThatCannotBeReadGo) {
     const Bytes item = ElementBuilder().ItemHeader(Tags::kItem, 3).Raw({1, 2, 3, 4}).GetBytes();
     EXPECT_EQ(DeIdentify(ElementBuilder().Value(kDescription, Vr::kUN, item).GetBytes()), Bytes());
+}
+
+// Whatever hides a text from whoever looks for it.
+TEST(TDeIdentification, NothingGoesAlongUnread) {
+    struct Case {
+        Tag fTag;
+        VrCode fVr;
+        std::string fValue;
+        bool fStays = false;
+    };
+    const auto itemOf = [](const char* syntax) {
+        const Bytes inside = ElementBuilder(syntax).Text(kDescription, Vr::kLO, "DOE^JANE").GetBytes();
+        ElementBuilder item(syntax);
+        item.ItemHeader(Tags::kItem, static_cast<uint32_t>(inside.size())).Raw(inside);
+        return std::string(item.GetBytes().begin(), item.GetBytes().end());
+    };
+    const std::string bigEndian = itemOf(Uids::kExplicitVRBigEndian);
+    const std::string littleEndian = itemOf(Uids::kExplicitVRLittleEndian);
+    const std::string name = "DOE^JANE";
+    const std::string behind(" \0\1 ", 4);
+    const std::vector<Case> cases = {
+        {kDescription, Vr::kUN, name + behind},
+        {kDescription, Vr::kUN, behind + name},
+        {kDescription, Vr::kUN, "XY12" + behind},
+        {kDescription, Vr::kUN, "\1XY12" + behind, true},
+        {kDescription, Vr::kUN, bigEndian},
+        {kDescription, Vr::kOB, littleEndian},
+        {kDescription, MakeVr('Z', 'Z'), name},
+        {kDescription, MakeVr('O', 'T'), name},
+        {kDescription, 0, "other"},
+        {kDescription, Vr::kIS, name},
+        {kDescription, Vr::kDS, "1.5\\-2E3 ", true},
+        {Tags::kRows, MakeVr('Z', 'Z'), "\1\1", true},
+        {{0x0018, 0x0000}, Vr::kLO, name},
+        {{0x0018, 0x0000}, Vr::kLO, "DOE "},
+        {{0x0018, 0x0000}, Vr::kUL, std::string("\0\0\0\0", 4), true},
+        {{0xFFFC, 0xFFFC}, Vr::kOB, name},
+        {Tags::kPixelData, Vr::kOB, littleEndian, true},  // of an icon
+    };
+    for (const char* syntax : {Uids::kExplicitVRLittleEndian, Uids::kImplicitVRLittleEndian}) {
+        const bool isExplicit = syntax == kEncodings[0].fTransferSyntax;
+        const auto& encoding = *std::find_if(
+            std::begin(kEncodings), std::end(kEncodings),
+            [&](const auto& each) { return each.fIsExplicit == isExplicit && !each.fIsBigEndian; });
+        for (const Case& one : cases) {
+            if (!isExplicit && one.fVr != Vr::kUN) continue;
+            ElementBuilder patient(syntax);
+            patient.Text(Tags::kPatientName, Vr::kPN, name).Text(Tags::kPatientID, Vr::kLO, "XY12");
+            ElementBuilder all(syntax);
+            all.Raw(patient.GetBytes()).Text(one.fTag, one.fVr, one.fValue);
+            const Bytes left = DeIdentify(all.GetBytes(), kLevels[0], encoding);
+            const Bytes without = DeIdentify(patient.GetBytes(), kLevels[0], encoding);
+            const Bytes rest(left.begin() + static_cast<std::ptrdiff_t>(without.size()), left.end());
+            const Bytes value = BytesOf(one.fValue);
+            const bool hasValue =
+                std::search(rest.begin(), rest.end(), value.begin(), value.end()) != rest.end();
+            EXPECT_EQ(hasValue, one.fStays) << one.fValue;
+        }
+    }
+    // Items in no sequence, and what a delimiter carries.
+    const Bytes stray = ElementBuilder().ItemHeader(Tags::kItem, 8).Raw(BytesOf(name)).GetBytes();
+    EXPECT_EQ(DeIdentify(stray), Bytes());
+}
+
+// Each takes seconds if the texts are compared one by one, and none now.
+TEST(TDeIdentification, ManyAndLongTextsAreFound) {
+    std::string names;
+    for (int number = 0; number < 20000; ++number) names += "NAME" + std::to_string(number) + "^X\\";
+    ElementBuilder all;
+    all.Text(kOtherIDs, Vr::kUT, std::string(500000, 'A') + "1B").Text({0x0010, 0x1001}, Vr::kUT, names);
+    for (int number = 0; number < 20000; ++number)
+        all.Text(kDescription, Vr::kLO, "NAME of " + std::to_string(number));
+    all.Text(kDescription, Vr::kUT, std::string(400000, 'A')).Text(kDescription, Vr::kLO, "x name7 y");
+    const size_t whole = all.GetSize();
+    const Bytes left = DeIdentify(all.GetBytes());
+    const Bytes stays = BytesOf("NAME of 19999");
+    EXPECT_NE(std::search(left.begin(), left.end(), stays.begin(), stays.end()), left.end());
+    EXPECT_LT(left.size(), whole - 400000) << "the start of a long number is enough";
+    const Bytes goes = BytesOf("x name7 y");
+    EXPECT_EQ(std::search(left.begin(), left.end(), goes.begin(), goes.end()), left.end());
 }
 
 TEST(TDeIdentification, TheFileSaysWhatWasDone) {

@@ -18,7 +18,7 @@ import media_tree
 import medium_test
 import program
 
-COMMANDS = ["tree", "create", "add", "copy", "delete", "drives", "dirs"]
+COMMANDS = ["tree", "create", "add", "copy", "delete", "save", "save-as", "drives", "dirs"]
 TREE_KEYS = ["path", "displayName", "dirName", "kind", "patients"]
 STUDY_KEYS = ["uid", "id", "date", "time", "description", "accession", "modalities", "referringPhysician", "series"]
 NOBODY = 65534

@@ -11,7 +11,8 @@ import time
 import unittest
 import unittest.mock
 
-from pydicom import dcmread
+from pydicom import DataElement, dcmread
+from pydicom.uid import ImplicitVRLittleEndian
 
 import media_tree
 import program
@@ -89,16 +90,47 @@ class SaveCommandsTest(SavedSeriesTest):
         options = ["patient-name", "patient-id", "accession", "study-id", "study-description", "series-number",
                    "series-description"]
         given = ["Жук^Åse", "B1", "A 2", "", "Größe", "77", "心エコー"]
-        replaced = ["???^?se", "B1", "A 2", "", "Gr??e", "77", "????"]  # comments in ISO 2022 need their character set
+        texts = [part for option, text in zip(options, given) for part in (f"--{option}", text)]
         here, there = self.folder, self.other
-        for source, to, series, stored in [(here, there, CINE, given), (there, here, OTHERS, given),
-                                           (here, there, STILLS, replaced)]:
-            texts = [part for option, text in zip(options, given) for part in (f"--{option}", text)]
+        # Comments in ISO 2022 need their character set.
+        before = {path for path in self.state() if path.name != "DICOMDIR"}
+        run = program.run("save-as", here, "--series", STILLS, "--to", there, "--new-study", *texts)
+        self.assertEqual(run.returncode, 1)
+        for path, line in zip(self.images(here, STILLS), program.lines(run.stderr), strict=True):
+            self.assertRegex(line, f"^vantor: {path}: a text .+ cannot be written in the character set")
+        self.assertEqual({path for path in self.state() if path.name != "DICOMDIR"}, before)
+        ascii_texts = ["--patient-name", "Plain", "--series-description", "Copy"]
+        for source, to, series, options, stored in [
+                (here, there, CINE, texts, given), (there, here, OTHERS, texts, given),
+                (here, there, STILLS, ascii_texts, ["Plain", "NR4711", "NR4711-A", "", "Echo", "3", "Copy"])]:
             comments = dcmread(self.images(source, series)[0]).ImageComments
-            for path in self.save_as(series, "--new-study", *texts, source=source, to=to):
+            for path in self.save_as(series, "--new-study", *options, source=source, to=to):
                 copy = dcmread(path)
                 self.assertEqual([str(value) if value is not None else "" for value in map(copy.get, keywords)], stored)
                 self.assertEqual(copy.ImageComments, comments)
+
+    def test_texts_keep_their_character_set(self):
+        for number, (character_set, name) in enumerate([
+                ("ISO_IR 144", "Жук^Анна".encode("iso8859-5")), ("ISO_IR 101", "Żuk^Łucja".encode("iso8859-2")),
+                ("ISO 2022 IR 100", "Größe^Åse".encode("latin-1")), ("", "Größe^Åse".encode("latin-1")),
+                ("GB18030", "Wang=王^小东".encode("gb18030"))], 1):
+            series = f"{OTHERS}.{number}"
+            data_set = image(OTHERS, 1)
+            data_set.StudyInstanceUID, data_set.SeriesInstanceUID, data_set.PatientID = series, series, f"P{number}"
+            data_set.SOPInstanceUID = f"{series}.1"
+            data_set.SpecificCharacterSet, data_set.ImageComments = character_set, ""
+            for tag in [(0x10, 0x10), (8, 0x1030), (8, 0x103E)]:  # as it is, in any encoding
+                data_set[tag] = DataElement(tag, "OB", name)
+            save(data_set, self.folder / f"I{number}", ImplicitVRLittleEndian)
+            self.done("create", self.folder, "--force")
+            for options in ([], ["--new-study", "--patient-id", "NEW"]):
+                path, = self.save_as(series, *options)
+                record_texts = [record for record in dcmread(self.other / "DICOMDIR").DirectoryRecordSequence
+                                if record.DirectoryRecordType in ("PATIENT", "STUDY", "SERIES")][-3:]
+                tags = [(0x10, 0x10), (8, 0x1030), (8, 0x103E)]
+                for holder, tag in [*((dcmread(path), tag) for tag in tags), *zip(record_texts, tags)]:
+                    self.assertEqual(holder.get_item(tag).value.rstrip(b" "), name, (character_set, tag))
+                    self.assertEqual(holder.get("SpecificCharacterSet") or "", character_set)
 
     def test_carets_at_the_end_of_a_name(self):
         self.make_echo()

@@ -1,6 +1,8 @@
 // Saving a series in place, and as a copy: what the image controls are told, what the host hears, and what is
 // in the directories afterwards.
 
+#include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <stdexcept>
 
@@ -19,11 +21,11 @@ class FakeControl final : public VantorHost::AxDicomImage {
   public:
     explicit FakeControl(HostString path) : fPath(std::move(path)) {}
 
-    HostString GetPathName() const override { return fPath; }
+    HostString GetPathName() const override { return Asked(fPath); }
     void SetSCPathName(const HostString& path) override { fTarget = path; }
-    HostString GetInstanceUID() const override { return fInstanceUID; }
+    HostString GetInstanceUID() const override { return Asked(fInstanceUID); }
     void SetInstanceUID(const HostString& uid) override { Note("instance", fInstanceUID = uid); }
-    HostString GetClassUID() const override { return fClassUID; }
+    HostString GetClassUID() const override { return Asked(fClassUID); }
     void SetSeriesUID(const HostString& uid) override { Note("series", uid); }
     void SetStudyUID(const HostString& uid) override { Note("study", uid); }
     void SetPatientName(const HostString& name) override { Note("name", name); }
@@ -55,9 +57,14 @@ class FakeControl final : public VantorHost::AxDicomImage {
     int32_t fResult = 0;
     int32_t fLateResult = 0;
     std::function<void()> fAtSave;
+    std::function<void()> fAtQuestion;
     mutable size_t fPolls = 0;
 
   private:
+    const HostString& Asked(const HostString& answer) const {
+        if (fAtQuestion) fAtQuestion();
+        return answer;
+    }
     void Note(const char* what, const HostString& text) {
         fNotes += std::string(what) + "=" + Platform::FromHostText(text) + ";";
     }
@@ -102,6 +109,13 @@ class SeriesSaverTest : public Workstation {
     LuminaError Save() { return fSaver.SaveSeries(&fSaveInfo, &fImages, &fControls, &fSeries); }
     LuminaError SaveAs(const SeriesDirRec* series) {
         return fSaver.SaveAsSeries(&fInfo, &fImages, &fControls, series, fNewUID);
+    }
+
+    size_t FilesOfCopies() const {
+        const auto files = fFolder.ListFiles();
+        return static_cast<size_t>(std::count_if(files.begin(), files.end(), [](const std::string& name) {
+            return name.starts_with("D/") && !name.ends_with("DICOMDIR");
+        }));
     }
 
     using Status = std::vector<int32_t>;
@@ -208,6 +222,62 @@ TEST_F(SeriesSaverTest, TextBeyondASCIITellsItsCharacterSet) {
               kIsWindows ? "ISO_IR 100" : "ISO_IR 192");
 }
 
+// A host that only hands texts on need not know what they are in. UTF-8 stands for whatever hosts see of a
+// set that cannot be mixed with the text that was given.
+TEST_F(SeriesSaverTest, TextsOfTheSourceKeepTheirCharacterSet) {
+    struct Case {
+        std::string fSet;
+        std::string fDescription;
+        HostString fAccession;
+        std::string fNewSet;
+        std::string fNewDescription;
+        std::string fNewAccession;
+    };
+    const std::string native = kIsWindows ? "ISO_IR 100" : "ISO_IR 192";
+    const Case cases[] = {
+        {"ISO_IR 144", "\xB8\xD2", L"12", "ISO_IR 144", "\xB8\xD2", "12"},
+        {"", "\x1B$B;3\x1B(B", L"12", "(absent)", "\x1B$B;3\x1B(B", "12"},
+        {"ISO 2022 IR 100 ", "\xD6l", L"\xE4\xF6", "ISO 2022 IR 100 ", "\xD6l", "\xE4\xF6"},
+        {"", "\xD6l", L"\xE4\xF6", "ISO_IR 100", "\xD6l", "\xE4\xF6"},
+        {"ISO_IR 100", "\xD6l", L"\x65E5", "ISO_IR 192", "\xC3\x96l ", "\xE6\x97\xA5 "},
+        {"ISO_IR 144", "\xB8\xD2", L"\xE4\xF6", native, kIsWindows ? "\xB8\xD2" : "\xC2\xB8\xC3\x92",
+         kIsWindows ? "\xE4\xF6" : "\xC3\xA4\xC3\xB6"},
+    };
+    for (const Case& each : cases) {
+        DirectoryBuilder media;
+        const int patient = media.Add(DirectoryBuilder::kRoot, "PATIENT ");
+        media.Keys(patient)
+            .Text(Tags::kSpecificCharacterSet, Vr::kCS, each.fSet)
+            .Text(Tags::kPatientName, Vr::kPN, each.fDescription)
+            .Text(Tags::kPatientID, Vr::kLO, "12");
+        const int study = media.Add(patient, "STUDY ");
+        media.Keys(study)
+            .Text(Tags::kSpecificCharacterSet, Vr::kCS, each.fSet)
+            .Text(Tags::kStudyDescription, Vr::kLO, each.fDescription)
+            .Text(Tags::kStudyInstanceUID, Vr::kUI, "1.2.3.1.7");
+        media.AddInstance(media.AddSeries(study, 3), 4);
+        fFolder.WriteFile("C/MORE/DICOMDIR", media.Build());
+        fFolder.WriteFile("D/MORE/DICOMDIR", DirectoryBuilder().Build());
+        Start();
+        fSource = Open("C/MORE/DICOMDIR");
+        Choose(0);
+        fInfo.SetDestinationDirectory(Open("D/MORE/DICOMDIR"));
+        fInfo.SetPatientName(VantorHost::PatientName(fSeries.GetDicomPatientName()));
+        fInfo.SetPatientNumber(fSeries.GetPatientNumber());
+        fInfo.SetStudyDescription(fSeries.GetStudyDescription());
+        fInfo.SetAccessionNumber(each.fAccession);
+        EXPECT_EQ(SaveAs(&fSeries), kSuccess);
+        TDicomDirectory onDisk(TFileSpec(fFolder.PathOf("D/MORE/DICOMDIR")), 0);
+        const TDicomDataSet& owner = *(*onDisk.GetPatientDocs()->begin())->GetDataSet();
+        EXPECT_EQ(TextOf(owner, Tags::kSpecificCharacterSet), each.fSet.empty() ? "(absent)" : each.fSet);
+        EXPECT_EQ(TextOf(owner, Tags::kPatientName), each.fDescription);
+        const TDicomDataSet& record = *(*onDisk.GetStudyDocs()->begin())->GetDataSet();
+        EXPECT_EQ(TextOf(record, Tags::kSpecificCharacterSet), each.fNewSet);
+        EXPECT_EQ(TextOf(record, Tags::kStudyDescription), each.fNewDescription);
+        EXPECT_EQ(TextOf(record, Tags::kAccessionNumber), each.fNewAccession);
+    }
+}
+
 // ---- Progress ----
 
 TEST_F(SeriesSaverTest, TellsHowFarItIs) {
@@ -264,16 +334,63 @@ TEST_F(SeriesSaverTest, AnImageThatCannotBeSavedKeepsItsRecord) {
     fSaveInfo.SetAssignNewUIDsFlag(true);
     TraceArea(VantorHost::TraceArea::kSave);
     fOwned[0]->fResult = 28;
+    fOwned[0]->fInstanceUID = L"1.1";
     const HostString uid = fImages[0].GetInstanceUID();
     EXPECT_EQ(Save(), Fatal(ErrorNumber::SaveGeneralFailure));
     EXPECT_EQ(fTrace.Take(), Lines{"error: Call to DicomImage::SaveAs failed; error = 28"});
     EXPECT_EQ(fImages[0].GetInstanceUID(), uid);
+    EXPECT_EQ(fOwned[0]->fInstanceUID, L"1.1") << "or it gives the next file the UID of another one";
     EXPECT_NE(fSource->GetUmImage(uid), nullptr);
     EXPECT_EQ(TreeOnDisk("C/DICOMDIR"), "P1(S2(s3(i4 i2) s6(i7)))");
     fOwned[0]->fResult = 0;
     EXPECT_EQ(Save(), Fatal(ErrorNumber::SaveGeneralFailure)) << "of the call before: hosts rely on it";
     EXPECT_EQ(TreeOnDisk("C/DICOMDIR"), "P1(S2(s3(i1 i2) s6(i7)))");
     EXPECT_EQ(SaveAs(&fSeries), kSuccess);
+}
+
+// A medium of a stranger may name any file of this computer.
+TEST_F(SeriesSaverTest, NothingIsWrittenBesideTheMedium) {
+    TraceArea(VantorHost::TraceArea::kSave);
+    const std::string elsewhere = fFolder.WriteFile("D/SECRET", "kept");
+    const std::filesystem::path links = fFolder.MakeFolder("C/LINKS");
+    std::error_code isWithoutLinks;  // users of Windows may not make them
+    std::filesystem::create_directory_symlink(fFolder.PathOf("D"), links / "OUT", isWithoutLinks);
+    std::filesystem::create_symlink(elsewhere, links / "SECRET", isWithoutLinks);
+    std::filesystem::create_directory_symlink(fFolder.PathOf("C/IMAGES"), links / "IN", isWithoutLinks);
+    struct Case {
+        const char* fPath;
+        bool fIsWritten;
+        bool fHasLink;
+    };
+    for (const auto& [path, isWritten, hasLink] :
+         {Case{"C/IMAGES/4", true, false}, Case{"D/SECRET", false, false},
+          Case{"C/IMAGES/../../D/SECRET", false, false}, Case{"C/LINKS/OUT/SECRET", false, true},
+          Case{"C/LINKS/SECRET", false, true}, Case{"C/LINKS/IN/4", !kIsWindows, true}}) {
+        if (hasLink && isWithoutLinks) continue;
+        fSaver = SeriesSaver();
+        fOwned[0]->fPath = Wide(fFolder.PathOf(path));
+        fOwned[0]->fTarget.clear();
+        EXPECT_EQ(Save(), isWritten ? kSuccess : Fatal(ErrorNumber::SaveGeneralFailure)) << path;
+        EXPECT_EQ(!fOwned[0]->fTarget.empty(), isWritten) << path;
+        EXPECT_EQ(fOwned[1]->fNotes, "image=2;") << "the others go on";
+        fOwned[1]->fNotes.clear();
+        const Lines refused = {"error: Image file is not in the folder of its directory"};
+        EXPECT_EQ(fTrace.Take(), isWritten ? Lines() : refused) << path;
+        EXPECT_EQ(ReadWholeFileAsText(elsewhere), "kept") << path;
+    }
+    if (isWithoutLinks) return;
+    DirectoryBuilder exams;
+    exams.Keys(exams.AddStudy(exams.AddPatient(1), 2)).Text(Tags::kExamCreator, Vr::kLO, "ANY");
+    fFolder.WriteFile("D/EXAM/DICOMDIR", exams.Build());
+    for (const char* images : {"D/IMAGESDC", "D/EXAM/EXAMS"}) {
+        fDestination = Open(std::string(images).substr(0, std::string(images).rfind('/')) + "/DICOMDIR");
+        fInfo.SetDestinationDirectory(fDestination);
+        ASSERT_TRUE(std::filesystem::remove(fFolder.PathOf(Spelled(images)))) << images;
+        std::filesystem::create_directory_symlink(fFolder.MakeFolder("C/PLACE"), fFolder.PathOf(images));
+        EXPECT_EQ(SaveAs(nullptr), Fatal(ErrorNumber::SaveGeneralFailure)) << images;
+        EXPECT_TRUE(std::filesystem::is_empty(fFolder.PathOf("C/PLACE"))) << images;
+    }
+    EXPECT_EQ(TreeOnDisk("D/DICOMDIR"), "");
 }
 
 // ---- What fails ----
@@ -384,14 +501,33 @@ TEST_F(SeriesSaverTest, SaysWhatIsWrongWithACopy) {
     }
 }
 
-// What a control throws passes; the images before it are saved and entered.
+// What a control throws passes; the images before it are saved and entered. The record of an image whose
+// control had begun to write goes with what is being written, whoever throws then.
 TEST_F(SeriesSaverTest, WhatAControlThrowsPasses) {
     fOwned[1]->fAtSave = [] { throw std::runtime_error("no memory for the pixels"); };
     EXPECT_THROW(SaveAs(&fSeries), std::runtime_error);
     EXPECT_EQ(TreeOnDisk("D/DICOMDIR"), "P9(SS7(s8(i1)))");
     EXPECT_FALSE(fDestination->GetUmDirectory()->IsOpen());
+    EXPECT_EQ(FilesOfCopies(), 1U);
+    fSaveInfo.SetAssignNewUIDsFlag(true);
+    const HostString uid = fImages[1].GetInstanceUID();
+    EXPECT_THROW(Save(), std::runtime_error);
+    EXPECT_EQ(TreeOnDisk("C/DICOMDIR"), "P1(S2(s3(i1 i5) s6(i7)))");
+    EXPECT_EQ(fImages[1].GetInstanceUID(), uid);
+    EXPECT_NE(fSource->GetUmImage(uid), nullptr);
+    fOwned[1]->fAtSave = nullptr;
+    fSaver.eSaveAsStatus.Subscribe([](const SaveAsEventArgs& status) {
+        if (status.GetCurrentImage() == 2) throw std::runtime_error("no window");
+    });
     EXPECT_THROW(Save(), std::runtime_error);
     EXPECT_EQ(TreeOnDisk("C/DICOMDIR"), "P1(S2(s3(i1 i2) s6(i7)))");
+    EXPECT_NE(fImages[1].GetInstanceUID(), uid);
+    // A copy that is complete then, but has no record.
+    fOwned[1]->fPending = {2, 2, 1, 0};
+    fOwned[1]->fPolls = 0;
+    EXPECT_THROW(SaveAs(&fSeries), std::runtime_error);
+    EXPECT_EQ(fOwned[1]->fPolls, 4U) << "it is waited for";
+    EXPECT_EQ(FilesOfCopies(), 2U) << "one of each copy";
 }
 
 // A subscriber may do away with everything.
@@ -407,11 +543,56 @@ TEST_F(SeriesSaverTest, SurvivesItsDirectories) {
         fDestination.reset();
     };
     EXPECT_FALSE(SaveAs(&fSeries).IsSuccess());
+    EXPECT_EQ(FilesOfCopies(), 0U) << "none without a record";
     fOwned[0]->fAtSave = [this] {
         fSource->Dispose();
         fSource.reset();
     };
     EXPECT_FALSE(Save().IsSuccess());
+}
+
+// Nor may the answer to a question be the last thing that the directory hears.
+TEST_F(SeriesSaverTest, SurvivesItsDirectoriesAtEachQuestion) {
+    DirectoryBuilder exams;
+    const int study = exams.AddStudy(exams.AddPatient(1), 2);
+    exams.Keys(study).Text(Tags::kExamCreator, Vr::kLO, "ANY");
+    const std::string layouts[] = {"D/DICOMDIR", "D/EXAM/DICOMDIR"};
+    for (const std::string& layout : layouts) {
+        for (const bool isInPlace : {false, true}) {
+            for (int last = 1; last <= 5; ++last) {
+                fFolder.WriteFile("D/EXAM/DICOMDIR", exams.Build());
+                WriteMedium("C", {1});
+                Start();
+                fSource = Open("C/DICOMDIR");
+                Choose(0);
+                fSaver = SeriesSaver();
+                fDestination = Open(layout);
+                fInfo.SetDestinationDirectory(fDestination);
+                int questions = 0;
+                fOwned[0]->fAtQuestion = [&] {
+                    if (++questions == last) (isInPlace ? fSource : fDestination)->Dispose();
+                };
+                const LuminaError error = isInPlace ? Save() : SaveAs(&fSeries);
+                EXPECT_EQ(error.IsSuccess(), questions < last) << last;
+            }
+        }
+    }
+    EXPECT_EQ(FilesOfCopies(), 4U) << "of those that nobody disturbed";
+}
+
+// A host that closes the window in between.
+TEST_F(SeriesSaverTest, SurvivesTheLists) {
+    fSaveInfo.SetAssignNewUIDsFlag(true);
+    for (const bool isInPlace : {false, true}) {
+        Choose(0);
+        fOwned[0]->fLateResult = 5;  // the record is put right
+        fOwned[0]->fAtSave = [this] {
+            std::vector<ImageDirRec>().swap(fImages);
+            fControls.clear();
+        };
+        EXPECT_FALSE((isInPlace ? Save() : SaveAs(&fSeries)).IsSuccess());
+    }
+    EXPECT_EQ(TreeOnDisk("C/DICOMDIR"), "P1(S2(s3(i4 i5) s6(i7)))");
 }
 
 }  // namespace
