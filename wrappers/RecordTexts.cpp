@@ -84,9 +84,13 @@ std::optional<RecordTexts::Encoded> RecordTexts::EncodeBesideOld() const {
 std::optional<RecordTexts::Encoded> RecordTexts::EncodeIn(const std::string& characterSet) const {
     Encoded encoded{characterSet, {}};
     for (const Text& text : fTexts) {
-        auto bytes = text.fOld ? text.fOld : CharacterSet::Encode(text.fText, characterSet);
+        if (text.fOld) {
+            encoded.fBytes.push_back(*text.fOld);
+            continue;
+        }
+        auto bytes = CharacterSet::Encode(text.fText, characterSet);
         if (!bytes) return std::nullopt;
-        encoded.fBytes.push_back(text.fOld ? std::move(*bytes) : Cut(std::move(*bytes)));
+        encoded.fBytes.push_back(Cut(std::move(*bytes)));
     }
     return encoded;
 }
