@@ -58,6 +58,22 @@ class AxDicomImage {
     // Addition for controls that write in the background: how that ended, 0 or the number of an error. To be
     // asked when no frames are queued any more.
     virtual int32_t GetSaveResult() const { return 0; }
+
+    // ---- The picture, as a movie shows it; a control that only saves has none ----
+
+    // In pixels; 0 without a picture.
+    virtual int32_t GetImageWidth() const { return 0; }
+    virtual int32_t GetImageHeight() const { return 0; }
+
+    // How long all frames of a loop take, in milliseconds; 0 for a still.
+    virtual int32_t GetCycleLength() const { return 0; }
+
+    // Shows a frame, 1 to GetNumberOfFrames.
+    virtual void SetCurrentFrame(int32_t /*frame*/) {}
+
+    // Puts what is shown on the clipboard as a device-independent bitmap (see wrappers/BitmapClipboard.h).
+    // False when that fails.
+    virtual bool BitmapToClipboard() { return false; }
 };
 
 }  // namespace VantorHost
