@@ -19,9 +19,10 @@ from typing import NamedTuple
 # The library, lowest folder first.
 LIBRARY = ["platform", "host", "dicom", "records", "directory", "media", "wrappers", "sr"]
 
-# Folders on top of the library; nothing else includes them.
+# Folders on top of the library; nothing else includes them, but what attacks the program.
 PROGRAM = "cli"
-TOPS = [PROGRAM, "fuzz", "bench"]
+FUZZ = "fuzz"
+TOPS = [PROGRAM, FUZZ, "bench"]
 
 # What the program may include beside its own files: what every host application may.
 PROGRAM_SEES_FOLDERS = {"wrappers", "host", "sr"}
@@ -156,7 +157,7 @@ def direction_fault(path, target):
     if target_top == "tests":
         return None if may_use_test_code(path, target) else f"test code of {target_folder}/ does not belong here"
     if target_top in TOPS:
-        own = top == target_top or folder == target_top
+        own = target_top in (top, folder) or (top == FUZZ and target_top == PROGRAM)
         return None if own else f"nothing includes {target_top}/"
     if target_top not in LIBRARY:
         return f"{target_top}/ is no folder of the library"
@@ -169,7 +170,10 @@ def direction_fault(path, target):
 
 
 def may_know_system(path):
-    """The ports, and the sources (never the headers) of platform/ that both share."""
+    """The ports, what stands in for a part of the system in their tests, and the sources (never the headers) of
+    platform/ that both share."""
+    if path.startswith(tuple(f"tests/platform/{port}/" for port in PORTS)):
+        return True
     return path.startswith("platform/") and (port_of(path) or path.endswith(".cpp"))
 
 

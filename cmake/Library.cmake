@@ -22,10 +22,10 @@ find_package(Threads REQUIRED)
 
 add_library(vantor_objects OBJECT ${VANTOR_SOURCES})
 target_include_directories(vantor_objects PUBLIC "${PROJECT_SOURCE_DIR}")
-target_link_libraries(vantor_objects PRIVATE vantor_settings PUBLIC Threads::Threads)
+target_link_libraries(vantor_objects PRIVATE vantor_settings PUBLIC Threads::Threads ${CMAKE_DL_LIBS})
 if(WIN32)
     target_compile_definitions(vantor_objects PRIVATE NOMINMAX WIN32_LEAN_AND_MEAN)
-    target_link_libraries(vantor_objects PUBLIC advapi32 ole32 user32 uuid)
+    target_link_libraries(vantor_objects PUBLIC advapi32 avifil32 msvfw32 ole32 shell32 user32 uuid)
 endif()
 
 add_library(vantor SHARED)

@@ -102,6 +102,12 @@ class TImageFile : public TDicomFile {
     const uint8_t* GetFrame() const { return fFrame.empty() ? nullptr : fFrame.data(); }
     int64_t GetFrameLength() const { return static_cast<int64_t>(fFrame.size()); }
 
+    // How many of a native frame's bytes are pixels: the only frame of a file was read with what follows it.
+    int64_t LoadedPixelsLength() const;
+
+    // Puts the content of an encapsulated frame's items together. False when something else is among them.
+    bool JoinFragments(std::vector<uint8_t>& joined) const;
+
   private:
     class Opening;      // has the file open for a while
     class FrameWriter;  // the copy under way
@@ -163,8 +169,6 @@ class TImageFile : public TDicomFile {
     bool ReadFrame(int32_t frameNumber);
     std::optional<Range> FindFrame(int32_t frameNumber);
     bool FindFragments();
-    int64_t LoadedPixelsLength() const;
-    bool JoinFragments(std::vector<uint8_t>& joined) const;
 
     // Copying.
     bool IsCopying() const;

@@ -57,10 +57,15 @@ inline constexpr Tag kSeriesDescription{0x0008, 0x103E};
 inline constexpr Tag kReferencedSOPClassUID{0x0008, 0x1150};
 inline constexpr Tag kReferencedSOPInstanceUID{0x0008, 0x1155};
 inline constexpr Tag kSourceImageSequence{0x0008, 0x2112};
+inline constexpr Tag kRecommendedDisplayFrameRate{0x0008, 0x2144};
 
 inline constexpr Tag kPatientName{0x0010, 0x0010};
 inline constexpr Tag kPatientID{0x0010, 0x0020};
 inline constexpr Tag kPatientBirthDate{0x0010, 0x0030};
+
+inline constexpr Tag kCineRate{0x0018, 0x0040};
+inline constexpr Tag kFrameTime{0x0018, 0x1063};
+inline constexpr Tag kFrameTimeVector{0x0018, 0x1065};
 
 inline constexpr Tag kStudyInstanceUID{0x0020, 0x000D};
 inline constexpr Tag kSeriesInstanceUID{0x0020, 0x000E};
@@ -69,12 +74,27 @@ inline constexpr Tag kSeriesNumber{0x0020, 0x0011};
 inline constexpr Tag kInstanceNumber{0x0020, 0x0013};
 
 inline constexpr Tag kSamplesPerPixel{0x0028, 0x0002};
+inline constexpr Tag kPhotometricInterpretation{0x0028, 0x0004};
+inline constexpr Tag kPlanarConfiguration{0x0028, 0x0006};
 inline constexpr Tag kNumberOfFrames{0x0028, 0x0008};
 inline constexpr Tag kRows{0x0028, 0x0010};
 inline constexpr Tag kColumns{0x0028, 0x0011};
 inline constexpr Tag kBitsAllocated{0x0028, 0x0100};
+inline constexpr Tag kBitsStored{0x0028, 0x0101};
+inline constexpr Tag kHighBit{0x0028, 0x0102};
+inline constexpr Tag kPixelRepresentation{0x0028, 0x0103};
+inline constexpr Tag kWindowCenter{0x0028, 0x1050};
+inline constexpr Tag kWindowWidth{0x0028, 0x1051};
+inline constexpr Tag kRescaleIntercept{0x0028, 0x1052};
+inline constexpr Tag kRescaleSlope{0x0028, 0x1053};
 inline constexpr Tag kRedPaletteDescriptor{0x0028, 0x1101};
+inline constexpr Tag kGreenPaletteDescriptor{0x0028, 0x1102};
+inline constexpr Tag kBluePaletteDescriptor{0x0028, 0x1103};
 inline constexpr Tag kLargeRedPaletteDescriptor{0x0028, 0x1111};
+inline constexpr Tag kRedPalette{0x0028, 0x1201};
+inline constexpr Tag kGreenPalette{0x0028, 0x1202};
+inline constexpr Tag kBluePalette{0x0028, 0x1203};
+inline constexpr Tag kSegmentedRedPalette{0x0028, 0x1221};
 
 inline constexpr Tag kMeasurementUnitsCodeSequence{0x0040, 0x08EA};
 inline constexpr Tag kRelationshipType{0x0040, 0xA010};

@@ -10,6 +10,9 @@ namespace Uids {
 inline constexpr char kImplicitVRLittleEndian[] = "1.2.840.10008.1.2";
 inline constexpr char kExplicitVRLittleEndian[] = "1.2.840.10008.1.2.1";
 inline constexpr char kExplicitVRBigEndian[] = "1.2.840.10008.1.2.2";
+inline constexpr char kJpegBaseline[] = "1.2.840.10008.1.2.4.50";
+inline constexpr char kJpegExtended[] = "1.2.840.10008.1.2.4.51";
+inline constexpr char kRleLossless[] = "1.2.840.10008.1.2.5";
 
 inline constexpr char kMediaStorageDirectory[] = "1.2.840.10008.1.3.10";
 inline constexpr char kRawDataStorage[] = "1.2.840.10008.5.1.4.1.1.66";

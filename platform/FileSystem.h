@@ -49,15 +49,18 @@ struct FolderEntry {
     Kind fKind = Kind::kOther;  // of the entry itself: a link to a folder is a link
 };
 
-// The entries of a folder in the order of their names, byte by byte. None when it cannot be read.
+// The entries of a folder in the order of their names, byte by byte. None when it cannot be read: ReadFolder
+// tells that from an empty one.
 std::vector<FolderEntry> ListFolder(const std::string& path);
+std::optional<std::vector<FolderEntry>> ReadFolder(const std::string& path);
 
 // Removes an empty folder. Throws FileException, also when it holds something.
 void RemoveFolder(const std::string& path);
 
-// Removes a folder with all that is in it, as far as that goes; what cannot be removed stays, without
-// failure. Links are removed themselves: what they lead to is left alone.
-void RemoveFolderTree(const std::string& path);
+// Removes a folder with all that is in it, as far as that goes, but for the folders in it whose name the
+// caller keeps. Links are removed themselves: what they lead to is left alone. True when it is gone.
+bool RemoveFolderTree(const std::string& path);
+bool RemoveFolderTree(const std::string& path, bool (*isKept)(const std::string& name));
 
 // The bytes that this user may still write on the volume that holds an existing file or folder; 0 when that
 // cannot be told.
@@ -73,6 +76,12 @@ void RemoveFile(const std::string& path);
 // The file keeps its last-write time. Close both files first: Windows neither moves nor replaces one that is
 // open. A source that cannot be removed once it is copied, as on a read-only medium, stays without failure.
 void MoveFileReplacing(const std::string& from, const std::string& to);
+
+// Puts a copy of a file at another path, in place of a file that may be there, in the same way: nobody finds
+// half a file, and a failure leaves what was there. A link is copied as the file that it leads to, and what
+// is at the other path is replaced itself if it is a link. The copy has the last-write time of the original,
+// and may be changed although that may not. Throws FileException.
+void CopyFileReplacing(const std::string& from, const std::string& to);
 
 // Creates an empty file with a name of its own in the system's folder for temporary files and gives its
 // path. The name starts with `prefix` (three letters). Throws FileException.

@@ -102,10 +102,19 @@ void GiveDrive(DicomDirectory& directory, const std::shared_ptr<const DriveInfo>
 
 }  // namespace
 
-DirectoriesMgr::DirectoriesMgr(bool skipFloppy, bool isViewer, const HostString& viewerVolume)
+DirectoriesMgr::DirectoriesMgr(bool skipFloppy, bool isViewer, const HostString& viewerVolume,
+                               bool withCdWriter)
     : Linked(this), fIsViewer(isViewer), fSkipFloppy(skipFloppy), fViewerVolume(viewerVolume) {
     UpdateDirList();
     UpdateFromRegistry();
+    if (withCdWriter) MakeWritableCd();
+}
+
+void DirectoriesMgr::MakeWritableCd() {
+    fWritableCd = std::make_unique<WritableCdDvd>();
+    if (!fWritableCd->CanBurnCDs()) return;
+    const auto staging = FindOrCreateFolderDirectory(fWritableCd->GetWriteFolderPath());
+    if (staging != nullptr) staging->SetMarkedToRemember(false);
 }
 
 DirectoriesMgr::~DirectoriesMgr() { Dispose(); }
@@ -114,6 +123,7 @@ void DirectoriesMgr::Dispose() {
     if (fIsDisposed) return;
     fIsDisposed = true;
     WriteToRegistry();
+    if (fWritableCd != nullptr) fWritableCd->Dispose();
     fDirList.clear();
     fFolderDirList.clear();
     for (auto* const choice :

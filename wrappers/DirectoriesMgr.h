@@ -11,6 +11,7 @@
 #include "wrappers/HostString.h"
 #include "wrappers/Linked.h"
 #include "wrappers/LuminaError.h"
+#include "wrappers/WritableCdDvd.h"
 
 namespace VantorWrappers {
 
@@ -35,7 +36,11 @@ class DirectoriesMgr : public Linked<DirectoriesMgr> {
     //     skipFloppy    the drive "A:\" is never looked at
     //     isViewer      for programs that run from a disc: only the drive named `viewerVolume` is looked at,
     //                   and the registry is neither read nor written
-    DirectoriesMgr(bool skipFloppy, bool isViewer, const HostString& viewerVolume);
+    //     withCdWriter  for programs that burn discs: there is a writer, and, if it can burn, its burning
+    //                   area is one of the folder directories, not marked to be remembered. What is saved
+    //                   or copied there is staged for the disc; an empty area takes a DICOMDIR first,
+    //                   like any folder (CreateOrReplaceDirectory, DicomDirectory::CreateDICOMDIR).
+    DirectoriesMgr(bool skipFloppy, bool isViewer, const HostString& viewerVolume, bool withCdWriter = false);
 
     // As Dispose.
     ~DirectoriesMgr();
@@ -104,6 +109,9 @@ class DirectoriesMgr : public Linked<DirectoriesMgr> {
     const std::shared_ptr<DicomDirectory>& GetNetworkDir() const { return fNetworkImagesDirectory; }
     void SetNetworkDir(std::shared_ptr<DicomDirectory> directory);
 
+    // The writer of discs, which the manager disposes of with itself; null without one.
+    WritableCdDvd* GetWritableCd() const { return fWritableCd.get(); }
+
     // True for a directory of the same full path as the staging one; and for the DICOMDIR in the network
     // folder, whose path has to be spelled the same.
     bool IsStagingFolder(const DicomDirectory& directory) const;
@@ -133,11 +141,13 @@ class DirectoriesMgr : public Linked<DirectoriesMgr> {
     std::shared_ptr<DicomDirectory> AddToDirList(const HostString& path);
     std::shared_ptr<DicomDirectory> AddToFolderDirList(const HostString& path, bool remember);
     void UpdateFromRegistry();
+    void MakeWritableCd();
     std::shared_ptr<DicomDirectory> OpenRememberedFolder(const HostString& path);
 
     DirectoryList fDirList;
     DirectoryList fFolderDirList;
     std::vector<AvailableDrive> fAvailableDrivesList;
+    std::unique_ptr<WritableCdDvd> fWritableCd;
     std::shared_ptr<DicomDirectory> fCurrentReadDirectory;
     std::shared_ptr<DicomDirectory> fCurrentWriteDirectory;
     std::shared_ptr<DicomDirectory> fNetworkImagesDirectory;

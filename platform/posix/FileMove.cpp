@@ -33,30 +33,35 @@ void CopyBytes(File& source, File& copy) {
     }
 }
 
-// As a rename would keep them. A medium that has no such rights or times does without.
-void CopyRightsAndTimes(const std::string& from, const std::string& to) {
+// As a rename would keep them, and those that are added. A medium that has no such rights or times does
+// without.
+void CopyRightsAndTimes(const std::string& from, const std::string& to, mode_t added) {
     struct stat state = {};
     if (stat(from.c_str(), &state) == 0) {
         const timespec times[] = {state.st_atim, state.st_mtim};
-        chmod(to.c_str(), state.st_mode & kRightsMask);
+        chmod(to.c_str(), (state.st_mode & kRightsMask) | added);
         utimensat(AT_FDCWD, to.c_str(), times, 0);
     }
 }
 
-void FillNeighbour(const std::string& source, const std::string& neighbour) {
+void FillNeighbour(const std::string& source, const std::string& neighbour, mode_t added) {
     const std::unique_ptr<File> original = OpenDiskFile(source, FileAccess::kRead);
     const std::unique_ptr<File> copy = OpenDiskFile(neighbour, FileAccess::kReadWrite);
     CopyBytes(*original, *copy);
-    CopyRightsAndTimes(source, neighbour);
+    CopyRightsAndTimes(source, neighbour, added);
     copy->Flush();
     copy->Close();
 }
 
-void MoveToOtherVolume(const std::string& source, const std::string& target) {
+void PutCopyInPlace(const std::string& source, const std::string& target, mode_t added) {
     Neighbour neighbour(target, kRightsOfMaker);
     neighbour.TakeDescriptor().Close();
-    FillNeighbour(source, neighbour.GetPath());
+    FillNeighbour(source, neighbour.GetPath(), added);
     neighbour.TakePlaceOfTarget();
+}
+
+void MoveToOtherVolume(const std::string& source, const std::string& target) {
+    PutCopyInPlace(source, target, 0);
     unlink(source.c_str());
 }
 
@@ -92,6 +97,23 @@ void MoveFileReplacing(const std::string& from, const std::string& to) {
     // A file made as a temporary one is its maker's alone; in place of another it is for the same people.
     if (isReplacing) {
         chmod(target.fPath.c_str(), replaced.st_mode & kRightsMask);
+    }
+    NoteAdded(target.fPath);
+}
+
+void CopyFileReplacing(const std::string& from, const std::string& to) {
+    const LookedUpPath source = LookUpPath(from);
+    const LookedUpPath target = LookUpEntry(to);
+    if (source.fMissing != Missing::kNothing) {
+        ThrowPathError(ENOENT, from);
+    }
+    if (target.fMissing == Missing::kFolder) {
+        ThrowPathError(ENOENT, to);
+    }
+    try {
+        PutCopyInPlace(source.fPath, target.fPath, S_IWUSR);
+    } catch (const FileException& error) {
+        throw error.WithFileName(error.GetFileName() == source.fPath ? from : to);
     }
     NoteAdded(target.fPath);
 }

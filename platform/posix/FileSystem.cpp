@@ -100,18 +100,24 @@ void CreateFolder(const std::string& path) {
     NoteAdded(found.fPath);
 }
 
-std::vector<FolderEntry> ListFolder(const std::string& path) {
+std::optional<std::vector<FolderEntry>> ReadFolder(const std::string& path) {
     const std::string folder = LookUpPath(path).fPath;
     const std::unique_ptr<DIR, int (*)(DIR*)> stream(opendir(folder.c_str()), closedir);
-    std::vector<FolderEntry> entries;
     if (stream == nullptr) {
-        return entries;
+        return std::nullopt;
     }
-    while (const dirent* const found = readdir(stream.get())) {
+    std::vector<FolderEntry> entries;
+    for (;;) {
+        errno = 0;  // which tells a failure from the end
+        const dirent* const found = readdir(stream.get());
+        if (found == nullptr) break;
         const std::string_view name = found->d_name;
         if (name != "." && name != "..") {
             entries.push_back({std::string(name), KindOf(folder + "/" + found->d_name)});
         }
+    }
+    if (errno != 0) {
+        return std::nullopt;
     }
     std::sort(entries.begin(), entries.end(), IsNamedBefore);
     return entries;

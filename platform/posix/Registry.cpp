@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <cstdlib>
 
 #include "platform/Clock.h"
 #include "platform/File.h"
@@ -13,12 +12,12 @@
 #include "platform/RegistryText.h"
 #include "platform/posix/DiskFile.h"
 #include "platform/posix/SystemError.h"
+#include "platform/posix/UserFolder.h"
 
 namespace Vantor::Platform {
 
 namespace {
 
-constexpr mode_t kFolderRights = 0700;
 constexpr mode_t kFileRights = 0600;
 constexpr int kOpenFlags = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
 
@@ -35,33 +34,17 @@ std::string& ReplacingFolder() {
     return folder;
 }
 
-// The value of a variable that names a folder; relative ones would be another place for every program.
-std::optional<std::string> FolderVariable(const char* name) {
-    const char* const value = std::getenv(name);
-    return value != nullptr && *value == '/' ? std::optional(std::string(value)) : std::nullopt;
-}
-
 std::optional<std::string> SettingsFolder() {
     if (!ReplacingFolder().empty()) {
         return ReplacingFolder();
     }
-    if (const auto folder = FolderVariable("XDG_CONFIG_HOME")) {
-        return *folder + "/vantor";
-    }
-    const auto home = FolderVariable("HOME");
-    return home ? std::optional(*home + "/.config/vantor") : std::nullopt;
+    const auto folder = UserFolder("XDG_CONFIG_HOME", ".config");
+    return folder ? std::optional(*folder + "/vantor") : std::nullopt;
 }
 
 std::optional<std::string> SettingsFile() {
     const std::optional<std::string> folder = SettingsFolder();
     return folder ? std::optional(*folder + "/registry") : std::nullopt;
-}
-
-// Makes every folder on the way to the file that is missing. Failures show when the file is made.
-void MakeFoldersOf(const std::string& file) {
-    for (size_t end = file.find('/', 1); end != std::string::npos; end = file.find('/', end + 1)) {
-        mkdir(file.substr(0, end).c_str(), kFolderRights);
-    }
 }
 
 Descriptor Open(const std::string& path, int flags) {

@@ -19,8 +19,9 @@ void Copy(const std::string& from, const std::string& neighbour, const std::stri
     }
 }
 
-// The attributes came with the copy, and one of them may forbid writing.
-void FlushCopy(const std::string& neighbour, const std::string& to) {
+// The attributes came with the copy, and one of them may forbid writing; those that are dropped are gone
+// then.
+void FlushCopy(const std::string& neighbour, const std::string& to, DWORD dropped) {
     const DWORD attributes = GetFileAttributesA(neighbour.c_str());
     SetFileAttributesA(neighbour.c_str(), FILE_ATTRIBUTE_NORMAL);
     Handle handle(CreateFileA(neighbour.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
@@ -29,19 +30,23 @@ void FlushCopy(const std::string& neighbour, const std::string& to) {
         ThrowLastError(to);
     }
     if (attributes != INVALID_FILE_ATTRIBUTES) {
-        SetFileAttributesA(neighbour.c_str(), attributes);
+        SetFileAttributesA(neighbour.c_str(), attributes & ~dropped);
+    }
+}
+
+void PutCopyInPlace(const std::string& from, const std::string& to, DWORD dropped) {
+    Neighbour neighbour(to);
+    Copy(from, neighbour.GetPath(), to);
+    FlushCopy(neighbour.GetPath(), to, dropped);
+    if (!neighbour.TakePlaceOfTarget()) {
+        ThrowLastError(to);
     }
 }
 
 // The system's own move to another volume writes onto the target itself, where a failure would leave half a
 // file.
 void MoveToOtherVolume(const std::string& from, const std::string& to) {
-    Neighbour neighbour(to);
-    Copy(from, neighbour.GetPath(), to);
-    FlushCopy(neighbour.GetPath(), to);
-    if (!neighbour.TakePlaceOfTarget()) {
-        ThrowLastError(to);
-    }
+    PutCopyInPlace(from, to, 0);
     DeleteFileA(from.c_str());
 }
 
@@ -58,6 +63,10 @@ void MoveFileReplacing(const std::string& from, const std::string& to) {
         ThrowLastError(to);
     }
     MoveToOtherVolume(from, to);
+}
+
+void CopyFileReplacing(const std::string& from, const std::string& to) {
+    PutCopyInPlace(from, to, FILE_ATTRIBUTE_READONLY);
 }
 
 }  // namespace Vantor::Platform

@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <utility>
 
+#include "platform/CodePage.h"
 #include "platform/windows/FileState.h"
 #include "platform/windows/SystemError.h"
 
@@ -22,7 +24,8 @@ std::optional<WIN32_FILE_ATTRIBUTE_DATA> GetAttributes(const std::string& path) 
 }
 
 // Of the files that the system keeps in a way of its own, such as in a cloud, only links lead elsewhere.
-FolderEntry::Kind KindOf(const WIN32_FIND_DATAA& found) {
+template <typename FindData>
+FolderEntry::Kind KindOf(const FindData& found) {
     const bool isSpecial = (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
     if (isSpecial &&
         (found.dwReserved0 == IO_REPARSE_TAG_SYMLINK || found.dwReserved0 == IO_REPARSE_TAG_MOUNT_POINT)) {
@@ -30,6 +33,15 @@ FolderEntry::Kind KindOf(const WIN32_FIND_DATAA& found) {
     }
     const bool isFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     return isFolder ? FolderEntry::Kind::kFolder : FolderEntry::Kind::kFile;
+}
+
+// A name that the code page cannot write must not become one that looks like it: a letter that looks like a
+// separator would lead out of the folder. Such files have a short name, or one with a question mark, by which
+// nothing is found.
+std::string NameOf(const WIN32_FIND_DATAW& found) {
+    const std::string name = FromHostText(found.cFileName);
+    const bool isWhole = ToHostText(name) == found.cFileName;
+    return isWhole || found.cAlternateFileName[0] == L'\0' ? name : FromHostText(found.cAlternateFileName);
 }
 
 bool IsNamedBefore(const FolderEntry& first, const FolderEntry& second) { return first.fName < second.fName; }
@@ -57,6 +69,9 @@ bool IsReadOnly(const std::string& path) {
 }
 
 bool IsLink(const std::string& path) {
+    if (path.find_first_of("*?") != std::string::npos) {
+        return false;  // no name, but a pattern
+    }
     WIN32_FIND_DATAA found = {};
     const HANDLE search = FindFirstFileA(path.c_str(), &found);
     if (search == INVALID_HANDLE_VALUE) {
@@ -79,20 +94,24 @@ void CreateFolder(const std::string& path) {
     }
 }
 
-std::vector<FolderEntry> ListFolder(const std::string& path) {
+// A folder lists itself first, and is never empty for that; the root of an empty drive does not.
+std::optional<std::vector<FolderEntry>> ReadFolder(const std::string& path) {
+    WIN32_FIND_DATAW found = {};
+    const HANDLE search = FindFirstFileW(ToHostText(path + "\\*").c_str(), &found);
     std::vector<FolderEntry> entries;
-    WIN32_FIND_DATAA found = {};
-    const HANDLE search = FindFirstFileA((path + "\\*").c_str(), &found);
     if (search == INVALID_HANDLE_VALUE) {
-        return entries;
+        return GetLastError() == ERROR_FILE_NOT_FOUND ? std::optional(entries) : std::nullopt;
     }
     const std::unique_ptr<void, decltype(&FindClose)> closing(search, FindClose);
     do {
-        const std::string name = found.cFileName;
+        std::string name = NameOf(found);
         if (name != "." && name != "..") {
-            entries.push_back({name, KindOf(found)});
+            entries.push_back({std::move(name), KindOf(found)});
         }
-    } while (FindNextFileA(search, &found));
+    } while (FindNextFileW(search, &found));
+    if (GetLastError() != ERROR_NO_MORE_FILES) {
+        return std::nullopt;
+    }
     std::sort(entries.begin(), entries.end(), IsNamedBefore);
     return entries;
 }

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/CodePage.h"
+#include "platform/windows/ComPointer.h"
 #include "platform/windows/PositionedFile.h"
 #include "platform/windows/SystemError.h"
 
@@ -15,13 +16,6 @@ namespace Vantor::Platform {
 namespace {
 
 constexpr DWORD kNoReserved = 0;
-
-struct ReleaseInterface {
-    void operator()(IUnknown* object) const { object->Release(); }
-};
-
-template <typename Interface>
-using ComPointer = std::unique_ptr<Interface, ReleaseInterface>;
 
 // Throws unless the system did what it was asked for.
 void Require(HRESULT result, const std::string& name) {

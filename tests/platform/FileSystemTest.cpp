@@ -60,12 +60,46 @@ TEST(FileSystem, RemovesAFolderWithoutFollowingLinksOutOfIt) {
     fs::create_symlink(folder.PathOf("NOTHING"), folder.PathOf("EXAMS/EXAM0000/DANGLING"), error);
     EXPECT_TRUE(kIsWindows || IsLink(folder.PathOf("EXAMS/EXAM0000/DANGLING")));
     EXPECT_NE(FailureOf([&] { RemoveFolder(folder.PathOf("EXAMS/EXAM0000")); }), "nothing");
-    RemoveFolderTree(folder.PathOf("EXAMS/exam0000"));
+    folder.WriteFile("EXAMS/EXAM0002/.kept/4", "x");
+    folder.WriteFile("EXAMS/EXAM0002/SUB/5", "x");
+    EXPECT_FALSE(RemoveFolderTree(folder.PathOf("EXAMS/EXAM0002"),
+                                  [](const std::string& name) { return name == ".kept"; }));
+    EXPECT_EQ(ListFolder(folder.PathOf("EXAMS/EXAM0002")).size(), 1U);
+    EXPECT_TRUE(RemoveFolderTree(folder.PathOf("EXAMS/EXAM0002")));
+    EXPECT_TRUE(RemoveFolderTree(folder.PathOf("EXAMS/exam0000")));
     RemoveFolderTree(folder.PathOf("EXAMS/EXAM0001"));
-    RemoveFolderTree(folder.PathOf("MISSING"));
+    EXPECT_FALSE(RemoveFolderTree(folder.PathOf("MISSING")));
     EXPECT_EQ(folder.ListFiles(), Names{"OTHER/3"});
-    EXPECT_TRUE(ListFolder(folder.PathOf("EXAMS")).empty());
+    EXPECT_TRUE(ListFolder(folder.PathOf("EXAMS")).empty() && ReadFolder(folder.PathOf("EXAMS")));
+    EXPECT_FALSE(ReadFolder(folder.PathOf("OTHER/3")) || ReadFolder(folder.PathOf("MISSING")));
     EXPECT_TRUE(ListFolder(folder.PathOf("OTHER/3")).empty());
+}
+
+// A copy is a file of its own, whatever the original is.
+TEST(FileSystem, CopiesFilesInPlaceOfOthers) {
+    const TestFolder folder;
+    const std::string original = folder.WriteFile("ORIGINAL", "new");
+    const std::string copy = folder.WriteFile("SUB/COPY", "old");
+    fs::permissions(original, fs::perms::owner_write, fs::perm_options::remove);
+    CopyFileReplacing(folder.PathOf("original"), folder.PathOf("SUB/copy"));
+    EXPECT_EQ(folder.ListFiles(), (Names{"ORIGINAL", "SUB/COPY"}));
+    EXPECT_EQ(ReadWholeFileAsText(copy), "new");
+    EXPECT_EQ(GetLastWriteTime(copy), GetLastWriteTime(original));
+    EXPECT_NE(fs::status(copy).permissions() & fs::perms::owner_write, fs::perms::none);
+    fs::permissions(original, fs::perms::owner_write, fs::perm_options::add);
+    EXPECT_EQ(FailureOf([&] { CopyFileReplacing(original, folder.PathOf("MISSING/COPY")); }),
+              folder.PathOf("MISSING/COPY") + kBadPath);
+    const std::string missing = folder.PathOf("MISSING");
+    EXPECT_EQ(FailureOf([&] { CopyFileReplacing(missing, copy); }), missing + ": file not found");
+    EXPECT_NE(FailureOf([&] { CopyFileReplacing(original, folder.PathOf("SUB")); }), "nothing");
+    EXPECT_NE(FailureOf([&] { CopyFileReplacing(folder.PathOf("SUB"), copy); }), "nothing");
+    EXPECT_EQ(ReadWholeFileAsText(copy), "new");
+    EXPECT_EQ(folder.ListFiles(), (Names{"ORIGINAL", "SUB/COPY"})) << "nothing is left beside them";
+    std::error_code error;
+    fs::create_symlink(original, folder.PathOf("LINK"), error);
+    if (error) return;
+    CopyFileReplacing(copy, folder.PathOf("LINK"));
+    EXPECT_TRUE(!IsLink(folder.PathOf("LINK")) && !IsSameFile(original, folder.PathOf("LINK")));
 }
 
 TEST(FileSystem, MakesFoldersInExistingOnesOnly) {

@@ -65,9 +65,10 @@ class Workstation : public testing::Test {
         VantorHost::ShortDate::SetFormatter(nullptr);
     }
 
-    DirectoriesMgr& Start(bool skipFloppy = false, bool isViewer = false, const HostString& volume = L"") {
+    DirectoriesMgr& Start(bool skipFloppy = false, bool isViewer = false, const HostString& volume = L"",
+                          bool withCdWriter = false) {
         fManager.reset();
-        fManager = std::make_unique<DirectoriesMgr>(skipFloppy, isViewer, volume);
+        fManager = std::make_unique<DirectoriesMgr>(skipFloppy, isViewer, volume, withCdWriter);
         return *fManager;
     }
 
