@@ -1,5 +1,5 @@
 # holds: no fuzz target crashes, hangs or leaks within CHECK_FUZZ_SECONDS (20, at most 60) from its seeds on
-# packages: clang-14 libclang-rt-14-dev llvm-14 g++ cmake ninja-build ccache libgtest-dev
+# packages: clang-14 libclang-rt-14-dev llvm-14 g++ cmake ninja-build ccache libgtest-dev libjpeg62-turbo-dev
 # minutes: 40
 
 . checks/common.sh

@@ -1,5 +1,5 @@
 # holds: public headers stand alone; the installed library is found and used by another project
-# packages: g++ cmake ninja-build ccache libgtest-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev python3-pydicom
+# packages: g++ cmake ninja-build ccache libgtest-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev python3-pydicom libjpeg62-turbo-dev
 # minutes: 20
 
 . checks/common.sh

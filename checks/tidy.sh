@@ -1,5 +1,5 @@
 # holds: clang compiles the library and the program, and clang-tidy finds none of the faults in .clang-tidy
-# packages: g++ cmake ninja-build ccache clang-14 clang-tidy-14 libcli11-dev nlohmann-json3-dev
+# packages: g++ cmake ninja-build ccache clang-14 clang-tidy-14 libcli11-dev nlohmann-json3-dev libjpeg62-turbo-dev
 # minutes: 40
 
 . checks/common.sh

@@ -1,101 +1,16 @@
 #include "cli/CopyCommand.h"
 
 #include <CLI/CLI.hpp>
-#include <cstdint>
 #include <filesystem>
-#include <optional>
 #include <system_error>
 
 #include "cli/CommandError.h"
-#include "cli/Console.h"
 #include "cli/Directories.h"
-#include "cli/Failure.h"
 #include "cli/FileSetName.h"
-#include "cli/Json.h"
 #include "cli/Paths.h"
-#include "cli/Progress.h"
-#include "cli/SeriesChoice.h"
 #include "platform/CodePage.h"
 
 namespace VantorCli {
-
-namespace {
-
-using VantorWrappers::CopySeriesEventArgs;
-using VantorWrappers::ErrorNumber;
-using VantorWrappers::LuminaError;
-using VantorWrappers::SeriesDirRec;
-
-// What became of a series.
-struct CopyResult {
-    LuminaError fError;
-    bool fWasThere = false;
-    int32_t fKilobytes = 0;
-};
-
-// Copies series, and shows how far the one at hand is.
-class SeriesCopy {
-  public:
-    SeriesCopy(DicomDirectory& destination, Console& console)
-        : fDestination(destination), fProgress(console, 0, "") {
-        fSubscription = destination.eCopySeriesProgress.Subscribe(
-            [this](const CopySeriesEventArgs& progress) { Show(progress); });
-    }
-    ~SeriesCopy() { fDestination.eCopySeriesProgress.Unsubscribe(fSubscription); }
-    SeriesCopy(const SeriesCopy&) = delete;
-    SeriesCopy& operator=(const SeriesCopy&) = delete;
-
-    CopyResult Copy(const std::vector<SeriesDirRec>& all, size_t index) {
-        const SeriesDirRec& series = all[index];
-        fPlace = PlaceOf(index, all.size());
-        fKilobytes.reset();
-        fProgress.GoOnWith(all.size(), "series");
-        fProgress.SetDone(index);
-        const bool wasThere = fDestination.IsSeriesInDirectory(series.GetSeriesUID());
-        const LuminaError error = fDestination.CopySeries(series);
-        if (wasThere || !error.IsSuccess()) return {error, wasThere, fKilobytes.value_or(0)};
-        // A small series is copied before there is any progress to be told.
-        return {error, wasThere, fKilobytes ? *fKilobytes : series.GetDiskSpace()};
-    }
-
-  private:
-    void Show(const CopySeriesEventArgs& progress) {
-        fKilobytes = progress.GetTotalBytesInSeries();
-        fProgress.GoOnWith(static_cast<uint64_t>(*fKilobytes), "KB (series " + fPlace + ")");
-        fProgress.SetDone(static_cast<uint64_t>(progress.GetBytesCopiedInSeries()));
-    }
-
-    DicomDirectory& fDestination;
-    Progress fProgress;
-    VantorWrappers::Event<CopySeriesEventArgs>::Subscription fSubscription = 0;
-    std::string fPlace;
-    std::optional<int32_t> fKilobytes;  // of the series at hand
-};
-
-Json ToJson(const SeriesDirRec& series, const CopyResult& result) {
-    Json object;
-    object["series"] = ToUtf8(series.GetSeriesUID());
-    object["result"] = ResultName(result.fError);
-    object["kilobytes"] = result.fKilobytes;
-    return object;
-}
-
-std::string ToText(const std::string& uid, const CopyResult& result) {
-    if (!result.fError.IsSuccess()) return "failed  " + uid;
-    if (result.fWasThere) return "kept    " + uid + "  there already";
-    constexpr size_t kSizeWidth = 10;
-    return "copied  " + uid + "  " +
-           PadLeft(ReadableKilobytes(static_cast<uint64_t>(result.fKilobytes)), kSizeWidth);
-}
-
-// True when the next series would meet the same.
-bool IsEndOfAll(const LuminaError& error) {
-    return error.GetErrorNumber() == ErrorNumber::CopySeriesVolumeFull ||
-           error.GetErrorNumber() == ErrorNumber::CopySeriesDestMissing ||
-           error.GetErrorNumber() == ErrorNumber::CopySeriesDirUpdateFailure;
-}
-
-}  // namespace
 
 CLI::App* CopyCommand::AddTo(CLI::App& program) {
     CLI::App* app = program.add_subcommand("copy", "Copy series into another DICOMDIR");
@@ -103,16 +18,11 @@ CLI::App* CopyCommand::AddTo(CLI::App& program) {
     app->add_option("DESTINATION", fDestination, "A DICOMDIR, or the folder that holds it")
         ->required()
         ->type_name("");
-    auto* series = app->add_option("--series", fSeries, "The series to be copied")->type_name("UID");
-    app->add_flag("--all", fIsAll, "Copy all series")->excludes(series);
+    fCopying.AddOptions(*app);
     app->add_option("--create", fNewName,
                     "Make the DICOMDIR first, with this File-set ID: up to\n16 of A-Z, 0-9, blank and _")
         ->type_name("NAME")
         ->check(ProblemOfFileSetName, "");
-    app->add_flag("--json", fIsJson, "One JSON object a line for each series");
-    app->final_callback([this] {
-        if (fSeries.empty() && !fIsAll) throw CLI::RequiredError("--series or --all");
-    });
     app->footer(
         "A series that is in the destination is not copied again. vantor tree tells the UIDs of series.\n"
         "\n"
@@ -125,12 +35,9 @@ CLI::App* CopyCommand::AddTo(CLI::App& program) {
 ExitStatus CopyCommand::Run(Console& console) {
     Directories directories;
     const auto source = directories.Open(fSource);
-    const auto series = fIsAll ? source->GetSeriesList() : ChooseSeries(*source, fSeries, console);
+    const auto series = fCopying.Choose(*source, console);
     if (!series) return ExitStatus::kFailed;
-    if (series->empty()) {
-        throw CommandError(ToPrintable(source->GetFullPath()) + ": no series to be copied");
-    }
-    return CopyInto(*MakeDestination(directories), *series, console);
+    return fCopying.CopyInto(*MakeDestination(directories), *series, console);
 }
 
 std::shared_ptr<DicomDirectory> CopyCommand::MakeDestination(Directories& directories) const {
@@ -143,26 +50,6 @@ std::shared_ptr<DicomDirectory> CopyCommand::MakeDestination(Directories& direct
     }
     RequireNoDicomdir(folder, "leave out --create to copy into it");
     return directories.Create(folder, Vantor::Platform::ToHostText(fNewName));
-}
-
-ExitStatus CopyCommand::CopyInto(DicomDirectory& destination, const std::vector<SeriesDirRec>& series,
-                                 Console& console) const {
-    ExitStatus status = ExitStatus::kDone;
-    SeriesCopy copy(destination, console);
-    const size_t width = WidthOfUIDs(series);
-    for (size_t i = 0; i < series.size(); ++i) {
-        const std::string place = PlaceOf(i, series.size());
-        const CopyResult result = copy.Copy(series, i);
-        const std::string uid = ToPrintable(series[i].GetSeriesUID());
-        console.Print(fIsJson ? ToLine(ToJson(series[i], result))
-                              : ToText(PadRight(uid, width), result) + "  (" + place + ")");
-        console.Flush();  // the next one may take a while
-        if (result.fError.IsSuccess()) continue;
-        console.Report("series " + uid + ": " + ReasonOf(result.fError));
-        status = ExitStatus::kFailed;
-        if (IsEndOfAll(result.fError)) break;
-    }
-    return status;
 }
 
 }  // namespace VantorCli

@@ -2,14 +2,9 @@
 
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "cli/Command.h"
-
-namespace VantorWrappers {
-class DicomDirectory;
-class SeriesDirRec;
-}  // namespace VantorWrappers
+#include "cli/SeriesCopying.h"
 
 namespace VantorCli {
 
@@ -23,15 +18,11 @@ class CopyCommand : public Command {
 
   private:
     std::shared_ptr<VantorWrappers::DicomDirectory> MakeDestination(Directories& directories) const;
-    ExitStatus CopyInto(VantorWrappers::DicomDirectory& destination,
-                        const std::vector<VantorWrappers::SeriesDirRec>& series, Console& console) const;
 
     std::string fSource;
     std::string fDestination;
-    std::vector<std::string> fSeries;
-    bool fIsAll = false;
+    SeriesCopying fCopying;
     std::string fNewName;
-    bool fIsJson = false;
 };
 
 }  // namespace VantorCli

@@ -10,4 +10,7 @@ namespace VantorCli {
 // at its end, whom to ask for help, is not for this program. UTF-8 that is fit to be printed.
 std::string FindingOf(const HostString& message);
 
+// A damaged DICOMDIR ends the command: throws a CommandError that tells which.
+[[noreturn]] void ThrowFinding(const HostString& message);
+
 }  // namespace VantorCli

@@ -14,7 +14,7 @@ constexpr wchar_t kDicomdirName[] = L"DICOMDIR";
 }  // namespace
 
 std::shared_ptr<DicomDirectory> Directories::OpenAny(const std::string& path) {
-    auto directory = fManager.OpenDirectory(ToHostText(ToAbsolutePath(path)));
+    auto directory = fManager->OpenDirectory(ToHostText(ToAbsolutePath(path)));
     if (directory != nullptr && directory->IsValid()) return directory;
     std::error_code ignored;
     const bool isThere = std::filesystem::exists(ToAbsolutePath(path), ignored);
@@ -41,7 +41,7 @@ std::shared_ptr<DicomDirectory> Directories::Create(const std::filesystem::path&
     const HostString path = ToHostText(folder / kDicomdirName);
     std::shared_ptr<DicomDirectory> directory;
     try {
-        directory = fManager.CreateOrReplaceDirectory(path, fileSetName, true);
+        directory = fManager->CreateOrReplaceDirectory(path, fileSetName, true);
     } catch (const CommandError&) {
         // Told below: what could not be made was not found damaged.
     }

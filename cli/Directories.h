@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "cli/Text.h"
 #include "wrappers/DicomDirectory.h"
@@ -11,13 +12,18 @@
 namespace VantorCli {
 
 using VantorWrappers::DicomDirectory;
+using VantorWrappers::DirectoriesMgr;
 
-// The directories that a command works with, wherever they are. The drives are not looked at. What cannot be
-// had ends in a CommandError.
+// The directories that a command works with, wherever they are: a manager that looks at no drives, unless
+// another is given. What cannot be had ends in a CommandError.
 class Directories {
   public:
     // A viewer's manager looks at one drive only, here at none.
-    Directories() : fManager(true, true, HostString()) {}
+    Directories() : Directories(std::make_unique<DirectoriesMgr>(true, true, HostString())) {}
+
+    explicit Directories(std::unique_ptr<DirectoriesMgr> manager) : fManager(std::move(manager)) {}
+
+    DirectoriesMgr& GetManager() { return *fManager; }
 
     // A DICOMDIR, or the one in a folder; else the DICOM files below a folder, or a single file, of which
     // there must be one.
@@ -33,7 +39,7 @@ class Directories {
   private:
     std::shared_ptr<DicomDirectory> OpenAny(const std::string& path);
 
-    VantorWrappers::DirectoriesMgr fManager;
+    std::unique_ptr<DirectoriesMgr> fManager;
 };
 
 // True when the records are those of a DICOMDIR, also for one that was found in a folder.

@@ -17,8 +17,6 @@ namespace VantorCli {
 
 namespace {
 
-using VantorWrappers::DirectoriesMgr;
-
 // What a directory is like, asked for once: some of it looks at every file.
 struct DirectoryFacts {
     explicit DirectoryFacts(const DicomDirectory& directory);

@@ -4,6 +4,8 @@
 #include <system_error>
 #include <utility>
 
+#include "dicom/TException.h"
+
 namespace VantorCli {
 
 namespace {
@@ -33,6 +35,8 @@ int32_t FileImage::SaveAs() {
     if (WaitUntilSaved() && fWriting->fIsInPlace) fStart.fInstanceUID = fWriting->fInstanceUID;
     ForgetCopy();
     fWriting.reset();
+    fPicture.reset();  // its frames may be elsewhere in the file then
+    fHasNoPicture = false;
     fStartError = BeginWriting();
     if (fStartError == 0) {
         WriteInBackground();
@@ -92,6 +96,54 @@ void FileImage::Write(std::unique_ptr<Editor> editor, Writing& writing) {
 bool FileImage::WaitUntilSaved() {
     if (fThread.valid()) fThread.wait();
     return fWriting != nullptr && GetError() == 0;
+}
+
+// ---- The picture ----
+
+int32_t FileImage::GetImageWidth() const {
+    const FilePicture* picture = FindPicture();
+    return picture == nullptr ? 0 : picture->GetDescription().fColumns;
+}
+
+int32_t FileImage::GetImageHeight() const {
+    const FilePicture* picture = FindPicture();
+    return picture == nullptr ? 0 : picture->GetDescription().fRows;
+}
+
+int32_t FileImage::GetCycleLength() const {
+    const FilePicture* picture = FindPicture();
+    return picture == nullptr ? 0 : picture->GetDescription().fCycleLength;
+}
+
+void FileImage::SetCurrentFrame(int32_t frame) {
+    fCurrentFrame = frame;
+    if (fFrameListener) fFrameListener();
+}
+
+bool FileImage::BitmapToClipboard() {
+    FilePicture* picture = FindPicture();
+    return picture != nullptr && picture->PutOnClipboard(fCurrentFrame);
+}
+
+// A file that is being replaced is waited for.
+void FileImage::OpenPicture() const {
+    if (fThread.valid()) fThread.wait();
+    if (fPicture == nullptr) fPicture = std::make_unique<FilePicture>(fPath);
+}
+
+// Null when there is none, which is found out once.
+FilePicture* FileImage::FindPicture() const {
+    if (fHasNoPicture) return nullptr;
+    try {
+        OpenPicture();
+        return fPicture.get();
+    } catch (Vantor::TException* thrown) {
+        const std::unique_ptr<Vantor::TException> error(thrown);
+    } catch (const std::exception&) {
+        // Who wants to know why there is none opens it.
+    }
+    fHasNoPicture = true;
+    return nullptr;
 }
 
 }  // namespace VantorCli

@@ -2,11 +2,14 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <future>
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 
+#include "cli/FilePicture.h"
 #include "host/AxDicomImage.h"
 #include "wrappers/ImageFileEditor.h"
 #include "wrappers/SavedImages.h"
@@ -21,6 +24,8 @@ namespace VantorCli {
 // saved to another path, or could not be, the image is as its file has it again. Only its UIDs are still
 // asked for those of the copy, until something is set. Going away, it gives up what it is still writing: no
 // part of that is left, and what was there before stays.
+//
+// Its picture is read when it is asked for, a frame at a time; images that are only saved have none.
 class FileImage final : public VantorHost::AxDicomImage {
   public:
     // `savedImages`: shared by all images that are saved together, which have to be there before the first
@@ -69,6 +74,23 @@ class FileImage final : public VantorHost::AxDicomImage {
     // Why the last saving failed, whether SaveAs did or what came after; 0 when it did not.
     int32_t GetError() const { return fStartError != 0 ? fStartError : GetSaveResult(); }
 
+    // 0 for a file without a picture.
+    int32_t GetImageWidth() const override;
+    int32_t GetImageHeight() const override;
+    int32_t GetCycleLength() const override;
+    void SetCurrentFrame(int32_t frame) override;
+    bool BitmapToClipboard() override;
+
+    // Reads what the picture is, unless that has happened. Throws what FilePicture throws; the operations
+    // above do without a picture then.
+    void OpenPicture() const;
+
+    // Why a frame could not be shown, the first one that could not, for a person; "" when all could.
+    std::string GetPictureProblem() const { return fPicture == nullptr ? "" : fPicture->GetProblem(); }
+
+    // Is called whenever a frame is to be shown.
+    void SetFrameListener(std::function<void()> listener) { fFrameListener = std::move(listener); }
+
   private:
     using Editor = VantorWrappers::ImageFileEditor;
     using Attribute = Editor::Attribute;
@@ -97,6 +119,7 @@ class FileImage final : public VantorHost::AxDicomImage {
     int32_t BeginWriting();
     void WriteInBackground();
     static void Write(std::unique_ptr<Editor> editor, Writing& writing);
+    FilePicture* FindPicture() const;
 
     std::wstring fPath;
     std::wstring fPathToWrite;
@@ -109,6 +132,11 @@ class FileImage final : public VantorHost::AxDicomImage {
     int32_t fStartError = 0;            // of the last SaveAs
     std::shared_ptr<Writing> fWriting;  // null until something has been written
     std::future<void> fThread;          // waits for it when this object goes
+
+    mutable std::unique_ptr<FilePicture> fPicture;  // null until it is asked for
+    mutable bool fHasNoPicture = false;             // it could not be read
+    int32_t fCurrentFrame = 1;
+    std::function<void()> fFrameListener;
 };
 
 }  // namespace VantorCli

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cwctype>
-#include <string_view>
 #include <system_error>
 #include <type_traits>
 
@@ -45,12 +44,12 @@ Text FromArgument(const std::string& argument) {
     }
 }
 
-bool IsCalledDicomdir(const fs::path& path) {
+std::wint_t ToUpper(wchar_t letter) { return std::towupper(static_cast<std::wint_t>(letter)); }
+
+bool IsCalled(const fs::path& path, std::wstring_view text) {
     const HostString name = ToHostText(path.filename());
-    return std::equal(
-        name.begin(), name.end(), kDicomdir.begin(), kDicomdir.end(), [](wchar_t left, wchar_t right) {
-            return std::towupper(static_cast<std::wint_t>(left)) == static_cast<std::wint_t>(right);
-        });
+    return std::equal(name.begin(), name.end(), text.begin(), text.end(),
+                      [](wchar_t left, wchar_t right) { return ToUpper(left) == ToUpper(right); });
 }
 
 // In the order of names; `isRead` tells whether that is all of them.
@@ -106,12 +105,19 @@ bool IsFolder(const fs::path& path) {
     return fs::is_directory(path, ignored);
 }
 
-fs::path FindDicomdir(const fs::path& folder) {
-    bool isRead = false;
-    for (const fs::directory_entry& entry : EntriesOf(folder, isRead)) {
-        if (IsCalledDicomdir(entry.path())) return entry.path();
+fs::path FindEntry(const fs::path& folder, std::wstring_view name) {
+    for (const fs::path& path : ListEntries(folder)) {
+        if (IsCalled(path, name)) return path;
     }
     return {};
+}
+
+fs::path FindDicomdir(const fs::path& folder) { return FindEntry(folder, kDicomdir); }
+
+std::vector<fs::path> ListEntries(const fs::path& folder) {
+    bool isRead = false;
+    const std::vector<fs::directory_entry> entries = EntriesOf(folder, isRead);
+    return {entries.begin(), entries.end()};
 }
 
 FolderContent ListBelow(const fs::path& folder) {

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/Text.h"
@@ -22,8 +23,12 @@ HostString RelativeTo(const HostString& folder, const HostString& path);
 // True when the path names an existing folder.
 bool IsFolder(const std::filesystem::path& path);
 
-// What is called DICOMDIR in a folder, in upper or lower case; empty when nothing is.
+// What is called so in a folder, in upper or lower case; empty when nothing is.
+std::filesystem::path FindEntry(const std::filesystem::path& folder, std::wstring_view name);
 std::filesystem::path FindDicomdir(const std::filesystem::path& folder);
+
+// What is in a folder, in the order of names.
+std::vector<std::filesystem::path> ListEntries(const std::filesystem::path& folder);
 
 // What a folder holds, with all that is below it, in the order of names; the files of a sub-folder come where
 // that stands among them. Links to folders are not followed, and what is neither file nor folder is left out.

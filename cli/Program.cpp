@@ -4,15 +4,19 @@
 #include <string_view>
 
 #include "cli/AddCommand.h"
+#include "cli/CodecsCommand.h"
 #include "cli/CommandError.h"
 #include "cli/CopyCommand.h"
 #include "cli/CreateCommand.h"
 #include "cli/DamageFinding.h"
 #include "cli/DeleteCommand.h"
 #include "cli/DirsCommand.h"
+#include "cli/DiscCommand.h"
 #include "cli/DrivesCommand.h"
 #include "cli/DumpCommand.h"
 #include "cli/InfoCommand.h"
+#include "cli/MotionJpeg.h"
+#include "cli/MovieCommand.h"
 #include "cli/SaveAsCommand.h"
 #include "cli/SaveCommand.h"
 #include "cli/SrCommand.h"
@@ -43,8 +47,18 @@ std::vector<std::string> TraceLevelNames() {
     return names;
 }
 
-// A damaged DICOMDIR ends the command.
-void ThrowFinding(const HostString& message) { throw CommandError(FindingOf(message)); }
+// All commands of a command, also those that are not on the command line.
+std::vector<CLI::App*> CommandsOf(CLI::App& app) {
+    return app.get_subcommands([](CLI::App*) { return true; });
+}
+
+// What the help of each command has in common.
+void CompleteHelp(CLI::App& app) {
+    app.group("Commands");
+    app.set_help_flag("-h,--help", "Show this help and exit");
+    app.footer(app.get_footer() + "\n\nvantor --help tells of --trace and of the exit status.");
+    for (CLI::App* command : CommandsOf(app)) CompleteHelp(*command);
+}
 
 }  // namespace
 
@@ -76,15 +90,16 @@ Program::Program() : fApp("Vantor: DICOM media for review workstations", "vantor
     Add(std::make_unique<SaveCommand>());
     Add(std::make_unique<SaveAsCommand>());
     Add(std::make_unique<SrCommand>());
+    Add(std::make_unique<MovieCommand>());
+    Add(std::make_unique<CodecsCommand>());
     Add(std::make_unique<DrivesCommand>());
     Add(std::make_unique<DirsCommand>());
+    Add(std::make_unique<DiscCommand>());
 }
 
 void Program::Add(std::unique_ptr<Command> command) {
     CLI::App* app = command->AddTo(fApp);
-    app->group("Commands");
-    app->set_help_flag("-h,--help", "Show this help and exit");
-    app->footer(app->get_footer() + "\n\nvantor --help tells of --trace and of the exit status.");
+    CompleteHelp(*app);
     fCommands.emplace_back(app, std::move(command));
 }
 
@@ -121,14 +136,18 @@ ExitStatus Program::ReportParseError(const CLI::ParseError& error) {
     if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
         return fApp.exit(error) == 0 ? ExitStatus::kDone : ExitStatus::kFailed;
     }
-    const std::vector<CLI::App*> commands = fApp.get_subcommands();
-    const std::string command = commands.empty() ? "vantor" : "vantor " + commands[0]->get_name();
-    fConsole.Report(ToPrintable(ProblemOf(error)) + " (" + command + " --help tells more)");
+    CLI::App* command = &fApp;
+    std::string name = fApp.get_name();
+    while (!command->get_subcommands().empty()) {
+        command = command->get_subcommands().front();
+        name += " " + command->get_name();
+    }
+    const std::string problem = CommandsOf(*command).empty() ? error.what() : ProblemWithoutCommand(error);
+    fConsole.Report(ToPrintable(problem) + " (" + name + " --help tells more)");
     return ExitStatus::kWrongUsage;
 }
 
-std::string Program::ProblemOf(const CLI::ParseError& error) const {
-    if (!fApp.get_subcommands().empty()) return error.what();
+std::string Program::ProblemWithoutCommand(const CLI::ParseError& error) const {
     const std::vector<std::string> unknown = fApp.remaining();
     if (!unknown.empty()) return "no such command or option: " + unknown.front();
     return error.get_name() == kRequiredError ? "a command is required" : error.what();
@@ -147,6 +166,7 @@ void Program::StartTracing() {
 ExitStatus Program::RunCommand() {
     StartTracing();
     VantorHost::DamagedDirectory::SetHandler(ThrowFinding);
+    MotionJpeg::Register();
     ExitStatus status = ExitStatus::kDone;
     for (const auto& [app, command] : fCommands) {
         if (app->parsed()) status = command->Run(fConsole);

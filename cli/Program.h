@@ -23,7 +23,7 @@ class Program {
     ExitStatus RunCommand();
     ExitStatus ParseAndRun(int argumentCount, char** arguments);
     ExitStatus ReportParseError(const CLI::ParseError& error);
-    std::string ProblemOf(const CLI::ParseError& error) const;
+    std::string ProblemWithoutCommand(const CLI::ParseError& error) const;
     void StartTracing();
 
     CLI::App fApp;

@@ -46,8 +46,9 @@ std::string Progress::BarAt(uint64_t done) const {
     bar.resize(kBarWidth, '.');
     const std::string percent = std::to_string(static_cast<int>(part * kPercent)) + "%";
     constexpr size_t kPercentWidth = 5;
-    return "[" + bar + "]" + std::string(kPercentWidth - percent.size(), ' ') + percent + "  " +
-           std::to_string(done) + " of " + std::to_string(fTotal) + " " + fThings;
+    bar = "[" + bar + "]" + std::string(kPercentWidth - percent.size(), ' ') + percent;
+    if (fThings.empty()) return bar;
+    return bar + "  " + std::to_string(done) + " of " + std::to_string(fTotal) + " " + fThings;
 }
 
 }  // namespace VantorCli

@@ -12,7 +12,8 @@ class Console;
 // half a second. Nothing when standard error is no terminal. Gone when this object goes.
 class Progress {
   public:
-    // `total` things are to be done, such as "files". The console must outlive this object.
+    // `total` things are to be done, such as "files"; without a word for them their number is not shown. The
+    // console must outlive this object.
     Progress(Console& console, uint64_t total, std::string things);
     ~Progress();
     Progress(const Progress&) = delete;

@@ -5,6 +5,8 @@
 #include <iterator>
 #include <string>
 
+#include "cli/JpegCodec.h"
+#include "tests/support/BitmapBuilder.h"
 #include "tests/support/DirectoryBuilder.h"
 #include "tests/support/FileBuilder.h"
 #include "tests/support/ReportBuilder.h"
@@ -164,6 +166,79 @@ void WriteFiles(const SeedFolder& seeds) {
     seeds.Write("ImageReaderFuzz", "palette", palette.Build());
 }
 
+struct PixelForm {
+    const char* fName;
+    const char* fSyntax;
+    const char* fPhotometric;
+    uint16_t fColors;
+    uint16_t fBits;
+};
+
+// What describes pictures of 4 x 2 pixels, two of them.
+FileBuilder DescribePicture(const PixelForm& form) {
+    FileBuilder file(form.fSyntax);
+    const uint16_t allocated = form.fBits > 8 ? 16 : 8;
+    file.Data()
+        .Numbers16(Tags::kSamplesPerPixel, Vr::kUS, {form.fColors})
+        .Text(Tags::kPhotometricInterpretation, Vr::kCS, form.fPhotometric)
+        .Numbers16(Tags::kPlanarConfiguration, Vr::kUS, {1})
+        .Text(Tags::kNumberOfFrames, Vr::kIS, "2")
+        .Numbers16(Tags::kRows, Vr::kUS, {2})
+        .Numbers16(Tags::kColumns, Vr::kUS, {4})
+        .Numbers16(Tags::kBitsAllocated, Vr::kUS, {allocated})
+        .Numbers16(Tags::kBitsStored, Vr::kUS, {form.fBits})
+        .Text(Tags::kWindowCenter, Vr::kDS, "100\\40")
+        .Text(Tags::kWindowWidth, Vr::kDS, "50.5")
+        .Text(Tags::kRescaleSlope, Vr::kDS, "-2")
+        .Numbers16(Tags::kRedPaletteDescriptor, Vr::kUS, {2, 1, 16})
+        .Numbers16(Tags::kGreenPaletteDescriptor, Vr::kUS, {2, 1, 8})
+        .Numbers16(Tags::kBluePaletteDescriptor, Vr::kUS, {2, 1, 8})
+        .Numbers16(Tags::kRedPalette, Vr::kOW, {0x1000, 0x2000})
+        .Numbers16(Tags::kGreenPalette, Vr::kOW, {0x1020})
+        .Numbers16(Tags::kBluePalette, Vr::kOW, {1, 2});
+    return file;
+}
+
+// A frame of run-length segments, all alike: half a run and half of literals.
+Bytes MakeRunLengths(uint8_t segments) {
+    constexpr size_t kTable = 64;
+    const Bytes segment = {0xFD, 7, 3, 1, 2, 3, 4, 0};
+    Bytes frame(kTable);
+    frame[0] = segments;
+    for (size_t i = 0; i < segments; ++i) {
+        frame[(i + 1) * sizeof(uint32_t)] = static_cast<uint8_t>(frame.size());
+        frame.insert(frame.end(), segment.begin(), segment.end());
+    }
+    return frame;
+}
+
+void WritePictures(const SeedFolder& seeds) {
+    constexpr size_t kLargestPicture = 48;
+    for (const PixelForm& form : {PixelForm{"gray", Uids::kExplicitVRLittleEndian, "MONOCHROME2", 1, 8},
+                                  {"signed", Uids::kImplicitVRLittleEndian, "MONOCHROME1", 1, 12},
+                                  {"palette", Uids::kExplicitVRBigEndian, "PALETTE COLOR", 1, 16},
+                                  {"rgb", Uids::kExplicitVRLittleEndian, "RGB", 3, 16},
+                                  {"ybr", Uids::kExplicitVRLittleEndian, "YBR_FULL", 3, 8},
+                                  {"pairs", Uids::kExplicitVRLittleEndian, "YBR_FULL_422", 3, 8}}) {
+        FileBuilder file = DescribePicture(form);
+        file.Data().Value(Tags::kPixelData, Vr::kOW, Bytes(2 * kLargestPicture, 100));
+        seeds.Write("FramePictureFuzz", form.fName, file.Build());
+    }
+    for (const PixelForm& form : {PixelForm{"rle-gray", Uids::kRleLossless, "MONOCHROME2", 1, 8},
+                                  {"rle-rgb", Uids::kRleLossless, "RGB", 3, 16}}) {
+        FileBuilder file = DescribePicture(form);
+        const Bytes frame = MakeRunLengths(static_cast<uint8_t>(form.fColors * (form.fBits / 8)));
+        file.Data().EncapsulatedPixels({}, {frame, frame});
+        seeds.Write("FramePictureFuzz", form.fName, file.Build());
+    }
+    Bytes frame;
+    if (!VantorCli::JpegCodec::Encode(Bytes(kLargestPicture, 100).data(), 4, 2, 50, frame)) return;
+    if (frame.size() % 2 != 0) frame.push_back(0);
+    FileBuilder file = DescribePicture({"jpeg", Uids::kJpegBaseline, "YBR_FULL_422", 3, 8});
+    file.Data().EncapsulatedPixels({}, {frame, frame});
+    seeds.Write("FramePictureFuzz", "jpeg", file.Build());
+}
+
 // One record of each type, and a few pointing elsewhere, in every encoding.
 void WriteDirectories(const SeedFolder& seeds) {
     for (const Syntax& syntax : kSyntaxes) {
@@ -220,6 +295,33 @@ void WriteReports(const SeedFolder& seeds) {
     }
 }
 
+// Bitmaps of each depth, both ways up, with the choices of DeviceBitmapFuzz in front: the frame's size, the
+// place.
+void WriteBitmaps(const SeedFolder& seeds) {
+    constexpr int32_t kWidth = 9, kHeight = 5;
+    const auto pixelAt = [](int x, int y) { return static_cast<uint32_t>(x * y) & 1; };
+    const auto write = [&](const std::string& name, const BitmapBuilder& builder) {
+        Bytes seed = {kWidth, kHeight, 0xFF, 1};
+        const Bytes bitmap = builder.Build(pixelAt);
+        seed.insert(seed.end(), bitmap.begin(), bitmap.end());
+        seeds.Write("DeviceBitmapFuzz", name, seed);
+    };
+    for (const uint32_t bits : {1U, 4U, 8U, 16U, 24U, 32U}) {
+        BitmapBuilder builder(kWidth, kHeight, bits);
+        if (bits <= 8) builder.Colors({0x102030, 0x405060}).ColorsUsed(2);
+        write(std::to_string(bits), builder);
+        write(std::to_string(bits) + "-top-down", BitmapBuilder(builder).TopDown());
+        if (bits == 16 || bits == 32) write(std::to_string(bits) + "-masks", builder.Masks({0x7C, 0x380, 3}));
+    }
+}
+
+// A medium with room for all, one that is full, and a limit; the sizes of the frames.
+void WriteMovies(const SeedFolder& seeds) {
+    seeds.Write("AviWriterFuzz", "all", {0x7F, 0, 0x7F, 0, 0, 12, 12, 12});
+    seeds.Write("AviWriterFuzz", "full", {1, 40, 0x7F, 0, 1, 13, 5, 200, 7});
+    seeds.Write("AviWriterFuzz", "limit", {0x7F, 0, 1, 40, 1, 13, 5, 200, 7});
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -230,7 +332,10 @@ int main(int argc, char** argv) {
     const SeedFolder seeds{argv[1]};
     WriteDataSets(seeds);
     WriteFiles(seeds);
+    WritePictures(seeds);
     WriteDirectories(seeds);
     WriteReports(seeds);
+    WriteBitmaps(seeds);
+    WriteMovies(seeds);
     return 0;
 }

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "cli/Command.h"
+
+namespace VantorCli {
+
+// vantor disc burn: writes what is staged to a disc.
+class DiscBurnCommand : public Command {
+  public:
+    CLI::App* AddTo(CLI::App& disc) override;
+    ExitStatus Run(Console& console) override;
+};
+
+}  // namespace VantorCli

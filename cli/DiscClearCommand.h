@@ -1,0 +1,14 @@
+#pragma once
+
+#include "cli/Command.h"
+
+namespace VantorCli {
+
+// vantor disc clear: removes all that is staged.
+class DiscClearCommand : public Command {
+  public:
+    CLI::App* AddTo(CLI::App& disc) override;
+    ExitStatus Run(Console& console) override;
+};
+
+}  // namespace VantorCli

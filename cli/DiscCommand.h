@@ -1,0 +1,21 @@
+#pragma once
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "cli/Command.h"
+
+namespace VantorCli {
+
+// vantor disc: its own commands stage files for a disc and burn it.
+class DiscCommand : public Command {
+  public:
+    CLI::App* AddTo(CLI::App& program) override;
+    ExitStatus Run(Console& console) override;
+
+  private:
+    std::vector<std::pair<CLI::App*, std::unique_ptr<Command>>> fCommands;
+};
+
+}  // namespace VantorCli

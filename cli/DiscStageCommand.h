@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+#include "cli/Command.h"
+#include "cli/SeriesCopying.h"
+
+namespace VantorCli {
+
+// vantor disc stage: copies series into the staging area.
+class DiscStageCommand : public Command {
+  public:
+    CLI::App* AddTo(CLI::App& disc) override;
+    ExitStatus Run(Console& console) override;
+
+  private:
+    std::string fPath;
+    SeriesCopying fCopying;
+};
+
+}  // namespace VantorCli

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "cli/Command.h"
+
+namespace VantorCli {
+
+// vantor disc status: whether discs can be burned, and what is staged.
+class DiscStatusCommand : public Command {
+  public:
+    CLI::App* AddTo(CLI::App& disc) override;
+    ExitStatus Run(Console& console) override;
+
+  private:
+    bool fIsJson = false;
+};
+
+}  // namespace VantorCli
