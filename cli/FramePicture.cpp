@@ -186,7 +186,7 @@ bool FramePicture::UnpackBits(std::span<const uint8_t> frame) {
 template <typename Sample>
 void FramePicture::DrawSamples(const FrameSamples& samples) {
     if (IsOfOneColor(samples.fPhotometric)) {
-        ChooseColorsFor<Sample>(samples);
+        ChooseColors();
         DrawValues<Sample>(samples);
         return;
     }
@@ -252,26 +252,15 @@ void FramePicture::FillLevels() {
     }
 }
 
-template <typename Sample>
-void FramePicture::ChooseColorsFor(const FrameSamples& samples) {
-    if (fHasColors) return;
-    const bool isOfFrame =
-        IsGray(samples.fPhotometric) && !fImage.fWindow && fImage.fBitsStored > kBitsOfByte;
-    if (samples.fPhotometric == Photometric::kPaletteColor) {
+void FramePicture::ChooseColors() {
+    if (!fColors.empty()) return;
+    if (fImage.fPhotometric == Photometric::kPaletteColor) {
         FillPalette();
-    } else if (isOfFrame) {
-        int32_t lowest = fStored->GetHighest();
-        int32_t highest = fStored->GetLowest();
-        for (size_t i = 0; i < fPixels; ++i) {
-            const int32_t value = fStored->Of(samples.At<Sample>(i));
-            lowest = std::min(lowest, value);
-            highest = std::max(highest, value);
-        }
-        FillGrays(lowest, highest);
+    } else if (fImage.fRange && fImage.fBitsStored > kBitsOfByte) {
+        FillGrays(fImage.fRange->fSmallest, fImage.fRange->fLargest);
     } else {
         FillGrays(fStored->GetLowest(), fStored->GetHighest());
     }
-    fHasColors = !isOfFrame;
 }
 
 // The range counts without a window. A slope below 0 turns it round.

@@ -15,8 +15,8 @@
 namespace VantorCli {
 
 // Makes pictures of an image's frames, as a viewer shows them at first: with the window that the file brings.
-// Without one, samples of up to 8 bits are shown with all their range, so that a loop does not flicker, and
-// others with the range that the frame has.
+// Without one, samples of more than 8 bits are shown with the range that the file tells, and others, or
+// without that, with all values that they can have: the same in every frame, so that a loop does not flicker.
 class FramePicture {
   public:
     explicit FramePicture(VantorWrappers::ImageDescription image);
@@ -51,8 +51,7 @@ class FramePicture {
     void DrawColors(const FrameSamples& samples, ToBgr toBgr);
     void DrawPairs(const FrameSamples& samples);
 
-    template <typename Sample>
-    void ChooseColorsFor(const FrameSamples& samples);
+    void ChooseColors();
     void FillLevels();
     void FillGrays(double lowest, double highest);
     void FillPalette();
@@ -66,7 +65,6 @@ class FramePicture {
     std::vector<uint8_t> fDecoded;  // a frame that was compressed
     std::vector<uint8_t> fLevels;   // of one colour, by what a sample may be
     std::vector<Bgr> fColors;       // the same of gray and palette images
-    bool fHasColors = false;        // they are those of every frame
     std::optional<DeviceBitmap> fBitmap;
 };
 

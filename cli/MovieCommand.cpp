@@ -10,9 +10,11 @@
 #include "cli/Console.h"
 #include "cli/Failure.h"
 #include "cli/FileImage.h"
+#include "cli/Interruption.h"
 #include "cli/Json.h"
 #include "cli/Paths.h"
 #include "cli/Progress.h"
+#include "cli/UnfinishedFile.h"
 #include "platform/CodePage.h"
 #include "wrappers/ChooseAVICompressor.h"
 #include "wrappers/StressAviMaker.h"
@@ -30,11 +32,8 @@ constexpr char kUncompressed[] = "DIB ";
 // Sizes in movie files are of 32 bits, which programs take for signed ones. Beside its pixels a frame takes
 // its header and its place in the index, and the file as a whole some headers.
 constexpr int64_t kLargestMovie = 0x7FFFFFFF;
-constexpr int64_t kFrameOverhead = 24;
-constexpr int64_t kFileOverhead = 4096;
-
-// What the movie is called until it is complete. The system looks at the end of the name.
-constexpr char kUnfinished[] = ".part.avi";
+constexpr int64_t kFrameOverhead = 128;
+constexpr int64_t kFileOverhead = int64_t{128} * 1024;
 
 HostString ToText(const std::string& bytes) { return Vantor::Platform::ToHostText(bytes); }
 
@@ -78,35 +77,6 @@ int32_t CountFrames(const std::vector<std::unique_ptr<FileImage>>& images) {
     return frames;
 }
 
-// The movie as it is being made: beside its place, so that nobody takes a part for the whole, and gone unless
-// it is finished.
-class UnfinishedFile {
-  public:
-    explicit UnfinishedFile(const fs::path& path) : fPath(path), fUnfinished(path) {
-        fUnfinished += kUnfinished;
-    }
-    ~UnfinishedFile() {
-        std::error_code error;
-        if (!fIsFinished) fs::remove(fUnfinished, error);
-    }
-    UnfinishedFile(const UnfinishedFile&) = delete;
-    UnfinishedFile& operator=(const UnfinishedFile&) = delete;
-
-    const fs::path& GetPath() const { return fUnfinished; }
-
-    std::error_code Finish() {
-        std::error_code error;
-        fs::rename(fUnfinished, fPath, error);
-        fIsFinished = !error;
-        return error;
-    }
-
-  private:
-    fs::path fPath;
-    fs::path fUnfinished;
-    bool fIsFinished = false;
-};
-
 }  // namespace
 
 CLI::App* MovieCommand::AddTo(CLI::App& program) {
@@ -142,10 +112,9 @@ ExitStatus MovieCommand::Run(Console& console) {
     const uint32_t codec = FindCodec();
     Images images;
     if (!OpenImages(images, console)) return ExitStatus::kFailed;
-    const fs::path path = ToAbsolutePath(fPath);
-    RequirePlace(path);
+    const fs::path path = RequirePlace();
     RequireSize(images, codec);
-    const Movie movie = Make(images, codec, path, console);
+    const Movie movie = MakeAt(path, images, codec, console);
     Show(movie, codec, console);
     for (const auto& image : images) {
         const std::string problem = image->GetPictureProblem();
@@ -191,23 +160,28 @@ bool MovieCommand::OpenImages(Images& images, Console& console) const {
     return areImages;
 }
 
-void MovieCommand::RequirePlace(const fs::path& path) const {
+// Where the movie is to be: where a link leads to, if OUT is one.
+fs::path MovieCommand::RequirePlace() const {
     const std::string name = ToPrintable(ToText(fPath));
+    std::error_code error;
+    fs::path path = ToAbsolutePath(fPath);
+    if (fs::is_symlink(path, error)) path = fs::canonical(path, error);
+    if (error && path.empty()) throw CommandError(name + ": this is a link that leads nowhere");
     if (IsFolder(path)) throw CommandError(name + ": this is a folder, not a file");
     if (!IsFolder(path.parent_path())) throw CommandError(name + ": the folder for it is not there");
     for (const std::string& file : fFiles) {
-        std::error_code error;
         if (fs::equivalent(path, ToAbsolutePath(file), error)) {
             throw CommandError(name + ": this is one of the images");
         }
     }
-    std::error_code error;
-    if (!fIsForced && fs::exists(path, error)) {
-        throw CommandError(name + ": there is such a file already; --force replaces it");
-    }
+    if (!fs::exists(path, error)) return path;
+    if (!fIsForced) throw CommandError(name + ": there is such a file already; --force replaces it");
+    if (!fs::is_regular_file(path, error))
+        throw CommandError(name + ": this is no file that can be replaced");
+    return path;
 }
 
-// Nobody knows beforehand what compressed frames take.
+// Nobody knows beforehand what compressed frames take: what becomes too large then is given up.
 void MovieCommand::RequireSize(const Images& images, uint32_t codec) const {
     int64_t width = 0;
     int64_t height = 0;
@@ -216,44 +190,69 @@ void MovieCommand::RequireSize(const Images& images, uint32_t codec) const {
         height = std::max<int64_t>(height, image->GetImageHeight());
     }
     const Grid grid(images.size());
-    const int64_t frame = FrameSizeOf(width * grid.fColumns, height * grid.fRows);
+    width *= grid.fColumns;
+    height *= grid.fRows;
+    constexpr int64_t kMostPixels = kLargestMovie / 4;
+    if (width > kMostPixels || height > kMostPixels || width * height > kMostPixels) {
+        throw CommandError(ToPrintable(ToText(fPath)) + ": the images are too large for a movie");
+    }
+    const int64_t frame = FrameSizeOf(width, height);
     const bool isCompressed = codec != ToCharacterCode(kUncompressed);
     const int64_t size = (isCompressed ? 0 : frame) + kFrameOverhead;
     const int64_t frames = CountFrames(images);
-    if (frame > kLargestMovie || size > (kLargestMovie - kFileOverhead) / frames) {
+    if (size > (kLargestMovie - kFileOverhead) / frames) {
         throw CommandError(ToPrintable(ToText(fPath)) + ": the movie would be larger than 2 GB" +
                            (isCompressed ? "" : "; vantor codecs lists compressors"));
     }
 }
 
-MovieCommand::Movie MovieCommand::Make(const Images& images, uint32_t codec, const fs::path& path,
+MovieCommand::Movie MovieCommand::MakeAt(const fs::path& path, const Images& images, uint32_t codec,
+                                         Console& console) const {
+    const Interruption interruption;
+    Movie movie;
+    try {
+        UnfinishedFile file(path);
+        RequireDone(file.GetError());
+        movie = Make(file.GetPath(), images, codec, console);
+        RequireDone(file.Finish());
+    } catch (const CommandError&) {
+        Interruption::Pass();
+        throw;
+    }
+    return movie;
+}
+
+void MovieCommand::RequireDone(const std::error_code& error) const {
+    if (error) throw CommandError(ToPrintable(ToText(fPath)) + ": " + ToPrintable(error.message()));
+}
+
+MovieCommand::Movie MovieCommand::Make(const fs::path& path, const Images& images, uint32_t codec,
                                        Console& console) const {
     const int32_t frames = CountFrames(images);
     Progress progress(console, static_cast<uint64_t>(frames), "frames");
+    VantorWrappers::StressAviMaker maker;
     uint64_t begun = 0;
-    images.front()->SetFrameListener([&] { progress.SetDone(begun++); });
+    images.front()->SetFrameListener([&] {
+        progress.SetDone(begun++);
+        if (Interruption::HasCome()) maker.Cancel();
+    });
     VantorWrappers::StressAviMaker::ImageViews views;
     for (const auto& image : images) views.push_back(image.get());
-
-    UnfinishedFile file(path);
     Movie movie;
-    VantorWrappers::StressAviMaker maker;
-    maker.MakeStressAviFile(ToHostText(file.GetPath()), codec, fQuality, views, movie.fWidth, movie.fHeight);
+    maker.MakeStressAviFile(ToHostText(path), codec, fQuality, views, movie.fWidth, movie.fHeight);
     images.front()->SetFrameListener(nullptr);
     movie.fFrames = maker.GetFramesWritten();
     movie.fRate = maker.GetRate();
     const std::string name = ToPrintable(ToText(fPath));
     if (movie.fFrames == 0) {
         throw CommandError(name +
-                           ": the movie cannot be written, or the compressor does not take such frames");
+                           ": no frame can be written; the volume is full, or the compressor does not "
+                           "take such frames");
     }
     if (movie.fFrames < frames) {
         throw CommandError(name + ": only " + Grouped(static_cast<uint64_t>(movie.fFrames)) + " of " +
                            Counted(static_cast<uint64_t>(frames), "frame", "frames") +
                            " can be written; the volume is full, or the movie larger than 2 GB");
-    }
-    if (const std::error_code error = file.Finish()) {
-        throw CommandError(name + ": " + ToPrintable(error.message()));
     }
     return movie;
 }

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "cli/Command.h"
@@ -33,9 +34,12 @@ class MovieCommand : public Command {
 
     uint32_t FindCodec() const;
     bool OpenImages(Images& images, Console& console) const;
-    void RequirePlace(const std::filesystem::path& path) const;
+    std::filesystem::path RequirePlace() const;
     void RequireSize(const Images& images, uint32_t codec) const;
-    Movie Make(const Images& images, uint32_t codec, const std::filesystem::path& path,
+    Movie MakeAt(const std::filesystem::path& path, const Images& images, uint32_t codec,
+                 Console& console) const;
+    void RequireDone(const std::error_code& error) const;
+    Movie Make(const std::filesystem::path& path, const Images& images, uint32_t codec,
                Console& console) const;
     void Show(const Movie& movie, uint32_t codec, Console& console) const;
 

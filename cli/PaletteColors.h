@@ -1,5 +1,9 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
 #include "cli/DeviceBitmap.h"
 #include "wrappers/ImageDescription.h"
 
@@ -12,7 +16,7 @@ class PaletteColors {
         std::array<VantorWrappers::ImageDescription::Palette, VantorWrappers::ImageDescription::kPalettes>;
 
     // The palettes must outlive this object.
-    explicit PaletteColors(const Palettes& palettes) : fPalettes(palettes) {}
+    explicit PaletteColors(const Palettes& palettes);
 
     // False when a palette has no entries: there are no colours then.
     bool AreThere() const;
@@ -21,7 +25,10 @@ class PaletteColors {
     Bgr ColorOf(int32_t value) const;
 
   private:
+    uint8_t LevelAt(size_t color, int32_t value) const;
+
     const Palettes& fPalettes;
+    std::array<int32_t, VantorWrappers::ImageDescription::kPalettes> fShifts;  // from entries to levels
 };
 
 }  // namespace VantorCli

@@ -222,9 +222,14 @@ int32_t TDicomDataSet::GetNextElementOffset(int32_t offset) const {
 
 // ---- Searching and reading ----
 
-// Gives the first element whose group is not below the wanted one, or the end. True when it is of the group.
 bool TDicomDataSet::FindGroupStart(uint16_t group, int32_t& offset, Header& header) const {
     offset = 0;
+    return SeekGroup(group, offset, header);
+}
+
+// Gives the first element from the offset on whose group is not below the wanted one, or the end. True when
+// it is of the group.
+bool TDicomDataSet::SeekGroup(uint16_t group, int32_t& offset, Header& header) const {
     while (DecodeHeader(offset, header)) {
         if (header.fTag.fGroup >= group) return header.fTag.fGroup == group;
         offset = StepInSearch(offset, header);
@@ -233,7 +238,22 @@ bool TDicomDataSet::FindGroupStart(uint16_t group, int32_t& offset, Header& head
 }
 
 bool TDicomDataSet::FindHeader(Tag tag, int32_t& offset, Header& header) const {
-    if (!FindGroupStart(tag.fGroup, offset, header)) return false;
+    offset = tag >= fSearchedTag ? fSearchEnd : 0;
+    const bool isFound = SeekHeader(tag, offset, header);
+    if (fMeasuredLengths != nullptr) RememberSearch(tag, offset, header);
+    return isFound;
+}
+
+// A search for a higher tag passes all that this one passed. Not so when it ended at a group that is out of
+// order: the other would end at its first element out of order as well, which may be an earlier one.
+void TDicomDataSet::RememberSearch(Tag tag, int32_t offset, const Header& header) const {
+    if (header.fTag.fGroup < tag.fGroup) return;
+    fSearchedTag = tag;
+    fSearchEnd = offset;
+}
+
+bool TDicomDataSet::SeekHeader(Tag tag, int32_t& offset, Header& header) const {
+    if (!SeekGroup(tag.fGroup, offset, header)) return false;
     while (header.fTag.fGroup == tag.fGroup && header.fTag.fElement < tag.fElement) {
         offset = StepInSearch(offset, header);
         if (!DecodeHeader(offset, header)) return false;

@@ -68,8 +68,8 @@ class TDicomDataSet {
     void SetDataSetSize(int32_t size);
 
     // Has this data set, and those made over parts of it from now on, remember the lengths that they measure,
-    // so that content of undefined length is measured once however deep it lies. None of them may be changed
-    // afterwards.
+    // so that content of undefined length is measured once however deep it lies, and where their last search
+    // ended, so that one for a higher tag goes on from there. None of them may be changed afterwards.
     void RememberLengths();
 
     // Two values kept for the caller and not looked at.
@@ -279,7 +279,10 @@ class TDicomDataSet {
 
     // Searching and reading: TDicomDataSet.cpp.
     bool FindGroupStart(uint16_t group, int32_t& offset, Header& header) const;
+    bool SeekGroup(uint16_t group, int32_t& offset, Header& header) const;
+    bool SeekHeader(Tag tag, int32_t& offset, Header& header) const;
     bool FindHeader(Tag tag, int32_t& offset, Header& header) const;
+    void RememberSearch(Tag tag, int32_t offset, const Header& header) const;
     void FillOutputs(int32_t offset, const Header& header, VrCode* vr, uint32_t* length, void* value,
                      uint32_t valueCapacity, int32_t* offsetOut) const;
     void ReadValue(int32_t offset, const Header& header, uint32_t length, void* value,
@@ -314,6 +317,7 @@ class TDicomDataSet {
     Header SequenceHeaderAt(int32_t offset) const;
     bool TakeItem(int64_t itemOffset, int32_t sequenceEnd, int32_t* itemOffsetOut,
                   uint32_t* itemLengthOut) const;
+    uint32_t ItemLengthWithin(int32_t sequenceEnd, int32_t itemOffset) const;
     uint32_t Measure(bool isItem, int32_t contentOffset) const;
     void MakeSequence(int32_t sequenceOffset);
     void WriteSequenceLength(int32_t sequenceOffset, uint32_t length);
@@ -355,6 +359,10 @@ class TDicomDataSet {
     uintptr_t fUserValues[2] = {0, 0};
     std::shared_ptr<const TDicomDictionary> fDictionary;  // shared with the data sets over this one's items
     std::shared_ptr<MeasuredLengths> fMeasuredLengths;    // likewise; null unless they are remembered
+
+    // The last search of a data set that remembers: for which tag, and where it ended.
+    mutable Tag fSearchedTag;
+    mutable int32_t fSearchEnd = 0;
 
     // Where the last element and its group's length are while elements are put in order, −1 when not known:
     // they save the walk to the end for each new element. Forgotten when anything but the end changes, and

@@ -59,8 +59,7 @@ bool TDicomDataSet::TakeItem(int64_t itemOffset, int32_t sequenceEnd, int32_t* i
                              uint32_t* itemLengthOut) const {
     if (itemOffset > sequenceEnd) return false;
     const auto offset = static_cast<int32_t>(itemOffset);
-    const TDicomDataSet upToEnd(*this, 0, sequenceEnd);
-    const uint32_t length = upToEnd.GetItemLength(offset);
+    const uint32_t length = ItemLengthWithin(sequenceEnd, offset);
     const bool isUndefined = ReadNumber32(offset - kLengthSize) == kUndefinedLength;
     const int64_t end = itemOffset + length + (isUndefined ? kDelimiterSize : 0);
     if (end > sequenceEnd) return false;
@@ -127,6 +126,13 @@ int64_t TDicomDataSet::EndOfItem(int32_t itemOffset, uint32_t itemLength) const 
     return int64_t{itemOffset} + itemLength + (hasDelimiter ? kDelimiterSize : 0);
 }
 
+// The length of an item's content, measured as if the data set ended with the item's sequence.
+uint32_t TDicomDataSet::ItemLengthWithin(int32_t sequenceEnd, int32_t itemOffset) const {
+    const bool endsHere = sequenceEnd == fUsedSize;
+    return endsHere ? GetItemLength(itemOffset)
+                    : TDicomDataSet(*this, 0, sequenceEnd).GetItemLength(itemOffset);
+}
+
 uint32_t TDicomDataSet::GetItemLength(int32_t itemOffset) const {
     CheckConstructed();
     if (itemOffset < kItemHeaderSize || itemOffset > fUsedSize) return 0;
@@ -138,8 +144,12 @@ uint32_t TDicomDataSet::GetItemLength(int32_t itemOffset) const {
 // that is known is added: whoever goes through a data set from front to back finds everything here.
 class TDicomDataSet::MeasuredLengths {
   public:
+    // For content at or behind `base`.
+    explicit MeasuredLengths(const uint8_t* base) : fBase(base) {}
+
     // Notes where content starts, and gives its place in the list; none when it is not added.
-    std::optional<size_t> Begin(const uint8_t* start) {
+    std::optional<size_t> Begin(const uint8_t* content) {
+        const uint32_t start = StartOf(content);
         if (!fContents.empty() && start <= fContents.back().fStart) return std::nullopt;
         fContents.push_back({start, 0});
         return fContents.size() - 1;
@@ -148,23 +158,46 @@ class TDicomDataSet::MeasuredLengths {
     void End(size_t place, uint32_t length) { fContents[place].fLength = length; }
 
     // None for what is not known, or has no end or no content.
-    std::optional<uint32_t> Find(const uint8_t* start) {
-        const bool isNext = fNext < fContents.size() && fContents[fNext].fStart == start;
-        const auto found = isNext ? fContents.begin() + static_cast<std::ptrdiff_t>(fNext)
-                                  : std::lower_bound(fContents.begin(), fContents.end(), start, StartsBefore);
-        if (found == fContents.end() || found->fStart != start || found->fLength == 0) return std::nullopt;
-        fNext = static_cast<size_t>(found - fContents.begin()) + 1;
-        return found->fLength;
+    std::optional<uint32_t> Find(const uint8_t* content) {
+        const uint32_t start = StartOf(content);
+        const size_t place = Seek(start);
+        if (place == fContents.size() || fContents[place].fStart != start) return std::nullopt;
+        fNext = place + 1;
+        const uint32_t length = fContents[place].fLength;
+        return length != 0 ? std::optional(length) : std::nullopt;
     }
 
   private:
     struct Content {
-        const uint8_t* fStart;
+        uint32_t fStart;   // behind fBase
         uint32_t fLength;  // 0 until it is known
     };
 
-    static bool StartsBefore(const Content& content, const uint8_t* start) { return content.fStart < start; }
+    uint32_t StartOf(const uint8_t* content) const { return static_cast<uint32_t>(content - fBase); }
 
+    bool StartsBefore(size_t place, uint32_t start) const { return fContents[place].fStart < start; }
+
+    // The first place whose content does not start before `start`. It is next to where content was found
+    // last, or near: steps from there get longer until they have passed it.
+    size_t Seek(uint32_t start) const {
+        size_t first = fNext;
+        size_t last = fNext;
+        for (size_t step = 1; first > 0 && !StartsBefore(first - 1, start); step *= 2) {
+            last = first - 1;
+            first -= std::min(step, first);
+        }
+        for (size_t step = 1; last < fContents.size() && StartsBefore(last, start); step *= 2) {
+            first = last + 1;
+            last += std::min(step, fContents.size() - last);
+        }
+        const auto contents = fContents.begin();
+        const auto found = std::lower_bound(
+            contents + static_cast<std::ptrdiff_t>(first), contents + static_cast<std::ptrdiff_t>(last),
+            start, [](const Content& each, uint32_t place) { return each.fStart < place; });
+        return static_cast<size_t>(found - contents);
+    }
+
+    const uint8_t* fBase;
     std::vector<Content> fContents;
     size_t fNext = 0;  // behind what was found last
 };
@@ -216,7 +249,6 @@ class TDicomDataSet::ContentMeasurer {
             throw new TException(ErrorNumbers::kSequenceStructure, "Unterminated item");
         }
         fDataSet.CheckSequence(position, header);
-        fContent.fPosition = position;
         Enter(false, position + header.fSize);
         return std::nullopt;
     }
@@ -241,6 +273,7 @@ class TDicomDataSet::ContentMeasurer {
         return fContent.fPosition + kDelimiterSize - fContent.fStart;
     }
 
+    // Goes into content; what encloses it goes on behind it.
     void Enter(bool isItem, int64_t start) {
         fEnclosing.push_back(fContent);
         Begin(isItem, start);
@@ -279,7 +312,7 @@ uint32_t TDicomDataSet::Measure(bool isItem, int32_t contentOffset) const {
 }
 
 void TDicomDataSet::RememberLengths() {
-    if (fMeasuredLengths == nullptr) fMeasuredLengths = std::make_shared<MeasuredLengths>();
+    if (fMeasuredLengths == nullptr) fMeasuredLengths = std::make_shared<MeasuredLengths>(fBuffer);
 }
 
 // ---- Changing ----

@@ -471,6 +471,17 @@ bool TImageFile::FindFragments() {
     return true;
 }
 
+bool TImageFile::ReadPixelData(int64_t offset, int64_t count, std::vector<uint8_t>& bytes) {
+    const Opening opening(*this);
+    const int64_t available = fFileSize - fPixelDataOffset;
+    if (fPixelDataOffset < 0 || offset < 0 || count < 0 || offset > available || count > available - offset) {
+        return false;
+    }
+    bytes.resize(static_cast<size_t>(count));
+    SeekTo(*fFile, fPixelDataOffset + offset);
+    return ReadBytes(*fFile, bytes.data(), bytes.size()) == bytes.size();
+}
+
 // The bytes of the native frame in the frame buffer that are pixels. The only frame of a file was read to the
 // file's end, so elements behind the pixel data, and the byte that made their length even, are in it as well.
 int64_t TImageFile::LoadedPixelsLength() const {

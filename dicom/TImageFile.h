@@ -102,6 +102,12 @@ class TImageFile : public TDicomFile {
     const uint8_t* GetFrame() const { return fFrame.empty() ? nullptr : fFrame.data(); }
     int64_t GetFrameLength() const { return static_cast<int64_t>(fFrame.size()); }
 
+    // Reads bytes of the pixel data's value, items with their headers included, from a place in it. False
+    // when the file does not have all of them; there is no memory taken for them then. The frame that
+    // LoadFrame read stays. Failures of the operating system pass as FileException. A file that was closed
+    // before is closed again.
+    bool ReadPixelData(int64_t offset, int64_t count, std::vector<uint8_t>& bytes);
+
     // How many of a native frame's bytes are pixels: the only frame of a file was read with what follows it.
     int64_t LoadedPixelsLength() const;
 

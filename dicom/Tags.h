@@ -83,6 +83,8 @@ inline constexpr Tag kBitsAllocated{0x0028, 0x0100};
 inline constexpr Tag kBitsStored{0x0028, 0x0101};
 inline constexpr Tag kHighBit{0x0028, 0x0102};
 inline constexpr Tag kPixelRepresentation{0x0028, 0x0103};
+inline constexpr Tag kSmallestImagePixelValue{0x0028, 0x0106};
+inline constexpr Tag kLargestImagePixelValue{0x0028, 0x0107};
 inline constexpr Tag kWindowCenter{0x0028, 0x1050};
 inline constexpr Tag kWindowWidth{0x0028, 0x1051};
 inline constexpr Tag kRescaleIntercept{0x0028, 0x1052};

@@ -71,7 +71,7 @@ TStressAviMaker::TStressAviMaker(const Views& views, uint32_t handler, int32_t q
       fLayout(views.size(), LargestOf(views, &AxDicomImage::GetImageWidth),
               LargestOf(views, &AxDicomImage::GetImageHeight)) {
     for (const AxDicomImage* view : views) {
-        fFrameCounts.push_back(view == nullptr ? 0 : view->GetNumberOfFrames());
+        fFrameCounts.push_back(view == nullptr ? 0 : std::max(view->GetNumberOfFrames(), 0));
         fFrameCount = std::max(fFrameCount, fFrameCounts.back());
     }
 }
@@ -114,7 +114,7 @@ void TStressAviMaker::WriteFrames(Platform::VideoFile& file, TMovieFrame& pictur
     bool isWriting = file.StartFrames(FindHostsCompressor(DescribeStream()));
     for (int32_t frame = 0; isWriting && frame < fFrameCount; ++frame) {
         Paint(frame, picture);
-        isWriting = file.WriteFrame(picture.GetPixels());
+        isWriting = !IsCancelled() && file.WriteFrame(picture.GetPixels());
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -19,6 +20,9 @@ class TStressAviMaker {
 
     // Asks the views for their sizes and loops. They are not owned and have to stay. `quality` is 0 to 100.
     TStressAviMaker(const Views& views, uint32_t handler, int32_t quality);
+
+    // The movie ends when this becomes true, on whichever thread. It has to stay.
+    void StopWhen(const std::atomic<bool>& isCancelled) { fIsCancelled = &isCancelled; }
 
     // Of the movie's frames; empty when there is nothing to make a movie of.
     const TMovieLayout& GetLayout() const { return fLayout; }
@@ -41,6 +45,7 @@ class TStressAviMaker {
     Platform::VideoStream DescribeStream() const;
 
   private:
+    bool IsCancelled() const { return fIsCancelled != nullptr && *fIsCancelled; }
     bool HasFrames() const { return fHandler != 0; }
     void Paint(int32_t frame, TMovieFrame& picture);
     void Draw(const uint8_t* bytes, size_t size, size_t view, TMovieFrame& picture) const;
@@ -50,8 +55,9 @@ class TStressAviMaker {
     std::vector<int32_t> fFrameCounts;  // by view
     uint32_t fHandler;
     int32_t fQuality;
-    int32_t fFrameCount = 0;   // the largest
-    int32_t fCycleLength = 0;  // the largest, in milliseconds
+    const std::atomic<bool>* fIsCancelled = nullptr;  // null when nobody can
+    int32_t fFrameCount = 0;                          // the largest
+    int32_t fCycleLength = 0;                         // the largest, in milliseconds
     TMovieLayout fLayout;
 };
 

@@ -1,6 +1,7 @@
 #include "platform/AviWriter.h"
 
 #include <algorithm>
+#include <exception>
 #include <limits>
 #include <string_view>
 #include <utility>
@@ -178,7 +179,7 @@ int32_t AviWriter::Finish() {
     try {
         fResult = Complete();
         fFile->Close();
-    } catch (const FileException&) {
+    } catch (const std::exception&) {
         fResult = -1;
     }
     fFile.reset();

@@ -1,6 +1,7 @@
 #include "sr/SRCodedContentItem.h"
 
 #include "platform/CodePage.h"
+#include "sr/SRCodeTable.h"
 #include "sr/SRItemReader.h"
 
 namespace VantorWrappers {
@@ -12,7 +13,7 @@ SRCodedContentItem::SRCodedContentItem(const TDicomDataSet* dataSet, const HostS
     Construct(dataSet, nodeNumber, kNoDataSet);
 }
 
-void SRCodedContentItem::ParseValue(const TDicomDataSet& dataSet) {
+void SRCodedContentItem::ParseValue(const TDicomDataSet& dataSet, SRCodeTable& codes) {
     constexpr FirstItemComplaints kComplaints = {
         {TraceLevel::kError, "No Concept Code Sequence found for CODE Conent Item at Node Number = "},
         {TraceLevel::kError, "No items found in Concept Code Sequence for Node Number = "},
@@ -21,19 +22,13 @@ void SRCodedContentItem::ParseValue(const TDicomDataSet& dataSet) {
     const auto items =
         FindFirstItem(dataSet, Tags::kConceptCodeSequence, kComplaints, [&] { return NodeText(); });
     if (!items) return;
-    const TDicomDataSet item = items->Wrap();
-    const SRCodedEntry code = ParseCodeSequenceMacro(&item);
-    fCodeValue = code.GetCodeValue();
-    fCodingSchemeDesignator = code.GetCodingSchemeDesignator();
-    fCodingSchemeVersion = code.GetCodingSchemeVersion();
-    fCodeMeaning = code.GetCodeMeaning();
-    SetValue(fCodeMeaning);
+    fCode = codes.Read(*items);
     TraceReport(TraceLevel::kVerbose, [&] {
         using Vantor::Platform::FromHostText;
-        return "Contents of Code Sequence Macro: Code Value = " + FromHostText(fCodeValue) +
-               ", Code Meaning = " + FromHostText(fCodeMeaning) +
-               ", Coding Scheme Designator = " + FromHostText(fCodingSchemeDesignator) +
-               ", Coding Scheme Version = " + FromHostText(fCodingSchemeVersion);
+        return "Contents of Code Sequence Macro: Code Value = " + FromHostText(fCode.GetCodeValue()) +
+               ", Code Meaning = " + FromHostText(fCode.GetCodeMeaning()) +
+               ", Coding Scheme Designator = " + FromHostText(fCode.GetCodingSchemeDesignator()) +
+               ", Coding Scheme Version = " + FromHostText(fCode.GetCodingSchemeVersion());
     });
 }
 

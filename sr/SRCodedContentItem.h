@@ -16,19 +16,16 @@ class SRCodedContentItem final : public SRContentItem {
 
     const char* GetValueType() const override { return kValueType; }
 
-    // The code. Its parts are kept one by one, so each call makes a new entry.
-    SRCodedEntry GetValueCodedEntry() const {
-        return {fCodeValue, fCodingSchemeDesignator, fCodingSchemeVersion, fCodeMeaning};
-    }
+    const HostString& GetValue() const override { return fCode.GetCodeMeaning(); }
+
+    // The code.
+    SRCodedEntry GetValueCodedEntry() const { return fCode; }
 
   protected:
-    void ParseValue(const Vantor::TDicomDataSet& dataSet) override;
+    void ParseValue(const Vantor::TDicomDataSet& dataSet, SRCodeTable& codes) override;
 
   private:
-    HostString fCodeValue;
-    HostString fCodingSchemeDesignator;
-    HostString fCodingSchemeVersion;
-    HostString fCodeMeaning;
+    SRCodedEntry fCode;
 };
 
 }  // namespace VantorWrappers

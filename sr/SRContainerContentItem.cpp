@@ -12,7 +12,7 @@ SRContainerContentItem::SRContainerContentItem(const TDicomDataSet* dataSet, con
     Construct(dataSet, nodeNumber, "No Content Sequence provided for SR with node number ");
 }
 
-void SRContainerContentItem::ParseValue(const TDicomDataSet& dataSet) {
+void SRContainerContentItem::ParseValue(const TDicomDataSet& dataSet, SRCodeTable& /*codes*/) {
     fcontinuityOfContent = Vantor::Platform::ToHostText(ReadCodeString(dataSet, Tags::kContinuityOfContent));
 }
 

@@ -20,7 +20,7 @@ class SRContainerContentItem final : public SRContentItem {
     const HostString& GetContinuityOfContent() const { return fcontinuityOfContent; }
 
   protected:
-    void ParseValue(const Vantor::TDicomDataSet& dataSet) override;
+    void ParseValue(const Vantor::TDicomDataSet& dataSet, SRCodeTable& codes) override;
 
   private:
     HostString fcontinuityOfContent;

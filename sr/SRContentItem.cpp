@@ -6,6 +6,7 @@
 #include <set>
 
 #include "platform/CodePage.h"
+#include "sr/SRCodeTable.h"
 #include "sr/SRContentTree.h"
 #include "sr/SRItemReader.h"
 
@@ -39,6 +40,15 @@ TestContentItemValues& TestValues() {
     return values;
 }
 
+SRCodedEntry ReadConceptName(const TDicomDataSet& dataSet, SRCodeTable& codes) {
+    constexpr FirstItemComplaints kComplaints = {
+        {TraceLevel::kWarning, "No Concept Name Code Sequence found."},
+        {TraceLevel::kWarning, "No items found in Concept Name Code Sequence."},
+        {TraceLevel::kWarning, "Failed to create temporary TDicomDataSet for Concept Name Code Sequence."}};
+    const auto items = FindFirstItem(dataSet, Tags::kConceptNameCodeSequence, kComplaints, [] { return ""; });
+    return items ? codes.Read(*items) : SRCodedEntry();
+}
+
 }  // namespace
 
 SRContentItem::SRContentItem() = default;
@@ -57,7 +67,8 @@ void SRContentItem::Construct(const TDicomDataSet* dataSet, const HostString& no
     }
     TraceEntry();
     TraceReport(TraceLevel::kError, [&] { return complaint + NodeText(); });
-    ParseConceptName(nullptr);
+    TraceReport(TraceLevel::kWarning, [] { return "No DICOM Data Set provided."; });
+    SetConceptName({});
 }
 
 void SRContentItem::TraceEntry() const {
@@ -68,30 +79,18 @@ void SRContentItem::TraceEntry() const {
 }
 
 // All that every item has but the items below it.
-void SRContentItem::ParseCommonContentItemAttributes(const TDicomDataSet& dataSet) {
-    ParseConceptName(&dataSet);
-    fObservationDateTime = ReadMoment(dataSet, Tags::kObservationDateTime);
+void SRContentItem::ParseCommonContentItemAttributes(const TDicomDataSet& dataSet, SRCodeTable& codes) {
+    SetConceptName(ReadConceptName(dataSet, codes));
     fRelationshipType = RelationshipTypeOf(ReadCodeString(dataSet, Tags::kRelationshipType));
+    fObservationDateTime = ReadMoment(dataSet, Tags::kObservationDateTime);
     TraceReport(TraceLevel::kVerbose,
                 [] { return "Parsing of Referenced Content Item Identifier no implemented."; });
 }
 
-void SRContentItem::ParseConceptName(const TDicomDataSet* dataSet) {
-    constexpr FirstItemComplaints kComplaints = {
-        {TraceLevel::kWarning, "No Concept Name Code Sequence found."},
-        {TraceLevel::kWarning, "No items found in Concept Name Code Sequence."},
-        {TraceLevel::kWarning, "Failed to create temporary TDicomDataSet for Concept Name Code Sequence."}};
-    const auto nowhere = [] { return ""; };
-    if (dataSet == nullptr) {
-        TraceReport(TraceLevel::kWarning, [] { return "No DICOM Data Set provided."; });
-    } else if (const auto items =
-                   FindFirstItem(*dataSet, Tags::kConceptNameCodeSequence, kComplaints, nowhere)) {
-        const TDicomDataSet item = items->Wrap();
-        fConceptNameCodedValue = ParseCodeSequenceMacro(&item);
-    }
-    fConceptName = fConceptNameCodedValue.GetCodeMeaning();
+void SRContentItem::SetConceptName(SRCodedEntry code) {
+    fConceptNameCodedValue = std::move(code);
     TraceReport(TraceLevel::kVerbose, [&] {
-        return "Concept Name for node number " + NodeText() + " is " + FromHostText(fConceptName);
+        return "Concept Name for node number " + NodeText() + " is " + FromHostText(GetConceptName());
     });
 }
 
@@ -128,20 +127,20 @@ bool SRContentItem::GetContentItem(int32_t index, const SRContentItem*& item) co
 
 bool SRContentItem::EqualExceptDerivation(const SRContentItem* other, bool& thisHasMore) const {
     thisHasMore = other != nullptr && GetContentItemCount() > other->GetContentItemCount();
-    if (other == nullptr || fConceptName != other->fConceptName) return false;
+    if (other == nullptr || GetConceptName() != other->GetConceptName()) return false;
     const SRContentItem& longer = thisHasMore ? *this : *other;
     const SRContentItem& shorter = thisHasMore ? *other : *this;
     std::set<std::pair<HostString, HostString>> counterparts;
     for (const auto& item : shorter.fContentItemList) {
-        counterparts.emplace(item->fConceptName, item->fContentItemValue);
+        counterparts.emplace(item->GetConceptName(), item->GetValue());
     }
     const auto& items = longer.fContentItemList;
     const bool areEqual = std::all_of(items.begin(), items.end(), [&](const auto& item) {
-        return item->IsDerivation() || counterparts.contains({item->fConceptName, item->fContentItemValue});
+        return item->IsDerivation() || counterparts.contains({item->GetConceptName(), item->GetValue()});
     });
     if (!areEqual) {
         const std::lock_guard lock(TestValues().fLock);
-        TestValues().fList.assign(1, fContentItemValue);
+        TestValues().fList.assign(1, GetValue());
     }
     return areEqual;
 }
@@ -153,8 +152,8 @@ std::vector<HostString> SRContentItem::GetTestContentItemValueList() {
 
 // True when the item only says which of several values was taken.
 bool SRContentItem::IsDerivation() const {
-    const HostString value = UpperCased(fContentItemValue);
-    if (UpperCased(fConceptName) == kSelectionStatus && value == kMeanValueChosen) return true;
+    const HostString value = UpperCased(GetValue());
+    if (UpperCased(GetConceptName()) == kSelectionStatus && value == kMeanValueChosen) return true;
     return fConceptNameCodedValue.GetCodeValue() == kDerivation &&
            fConceptNameCodedValue.GetCodingSchemeDesignator() == kStandardScheme &&
            std::find(kDerivations.begin(), kDerivations.end(), value) != kDerivations.end();

@@ -16,6 +16,8 @@ class TDicomDataSet;
 
 namespace VantorWrappers {
 
+class SRCodeTable;
+
 // One content item of a structured report, with the items below it: a measurement, a code, a text. Each value
 // type has a class of its own; the tree is walked through GetContentItem.
 //
@@ -35,11 +37,11 @@ class SRContentItem {
     virtual const char* GetValueType() const = 0;
 
     // What the item is about: the meaning of the code that names it, and that code.
-    const HostString& GetConceptName() const { return fConceptName; }
+    const HostString& GetConceptName() const { return fConceptNameCodedValue.GetCodeMeaning(); }
     const SRCodedEntry& GetConceptNameCodedEntry() const { return fConceptNameCodedValue; }
 
     // The value as a text for people; each class says which. "" for one that cannot be read as what it is.
-    const HostString& GetValue() const { return fContentItemValue; }
+    virtual const HostString& GetValue() const { return fContentItemValue; }
 
     // Where the item stands: "1" for the root of a report, "1.1", "1.2" for the items below it in their order
     // in the report. Items that are left out have numbers as well, so these may have gaps.
@@ -51,7 +53,7 @@ class SRContentItem {
     const HostString& GetObservationDateTime() const { return fObservationDateTime; }
 
     // Always "": references to other items of a report are not read.
-    const HostString& GetReferencedContentItemID() const { return fReferencedContentItemID; }
+    const HostString& GetReferencedContentItemID() const { return kNoReference; }
 
     // The items below this one, in their order in the report, without those that are left out: items of other
     // value types, and the reporting product's own measurement contexts.
@@ -78,8 +80,9 @@ class SRContentItem {
     // damaged one. A null data set is traced, with `complaint` and the node number; the item stays empty.
     void Construct(const Vantor::TDicomDataSet* dataSet, const HostString& nodeNumber, const char* complaint);
 
-    // Reads what the value type has of its own; called after the items below have been read.
-    virtual void ParseValue(const Vantor::TDicomDataSet& dataSet) = 0;
+    // Reads what the value type has of its own; called after the items below have been read. `codes` are
+    // those of the whole report.
+    virtual void ParseValue(const Vantor::TDicomDataSet& dataSet, SRCodeTable& codes) = 0;
 
     void SetValue(HostString value) { fContentItemValue = std::move(value); }
 
@@ -92,19 +95,19 @@ class SRContentItem {
     friend class SRContentTree;
 
     void TraceEntry() const;
-    void ParseCommonContentItemAttributes(const Vantor::TDicomDataSet& dataSet);
-    void ParseConceptName(const Vantor::TDicomDataSet* dataSet);
+    void ParseCommonContentItemAttributes(const Vantor::TDicomDataSet& dataSet, SRCodeTable& codes);
+    void SetConceptName(SRCodedEntry code);
     void Adopt(std::unique_ptr<SRContentItem> child);
     bool IsMeasurementContext() const;
     bool IsDerivation() const;
 
+    static inline const HostString kNoReference;
+
     HostString fContentItemValue;
-    HostString fConceptName;
     SRCodedEntry fConceptNameCodedValue;
     std::vector<std::unique_ptr<SRContentItem>> fContentItemList;
     SRRelationshipType fRelationshipType = SRRelationshipType::UnknownRelationship;
     HostString fObservationDateTime;
-    HostString fReferencedContentItemID;
 
     // The node number: of an item that was constructed on its own as it was given, else the parent's and the
     // place below it. Put together when it is asked for: at the bottom of a deep report it is long.

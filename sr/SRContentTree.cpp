@@ -53,13 +53,15 @@ std::unique_ptr<SRContentItem> MakeItem(std::string_view valueType) {
 
 }  // namespace
 
-SRContentTree::Level::Level(SRContentItem& item, const TDicomDataSet& dataSet)
-    : fItem(item), fDataSet(dataSet, 0, dataSet.GetDataSetSize()) {
+SRContentTree::Level::Level(SRContentItem& root, const TDicomDataSet& dataSet)
+    : fItem(&root), fDataSet(dataSet, 0, dataSet.GetDataSetSize()) {
     fDataSet.RememberLengths();
 }
 
-SRContentTree::Level::Level(std::unique_ptr<SRContentItem> item, const SequenceItems& place)
-    : fOwnedItem(std::move(item)), fItem(*fOwnedItem), fDataSet(place.Wrap()) {}
+void SRContentTree::Level::Own(std::unique_ptr<SRContentItem> item) {
+    fOwnedItem = std::move(item);
+    fItem = fOwnedItem.get();
+}
 
 void SRContentTree::Parse(SRContentItem& root, const TDicomDataSet& dataSet) {
     SRContentTree tree;
@@ -73,8 +75,8 @@ void SRContentTree::Parse(SRContentItem& root, const TDicomDataSet& dataSet) {
 // Reads what the item has of its own but for its value, and looks for items below it.
 void SRContentTree::BeginTop() {
     Level& level = fLevels.back();
-    level.fItem.TraceEntry();
-    level.fItem.ParseCommonContentItemAttributes(level.fDataSet);
+    level.fItem->TraceEntry();
+    level.fItem->ParseCommonContentItemAttributes(level.fDataSet, fCodes);
     // Half a report that passes for a whole one is worse than none.
     int32_t offset = 0;
     if (!FindWhole(level.fDataSet, Tags::kContentSequence, offset)) return;
@@ -82,7 +84,7 @@ void SRContentTree::BeginTop() {
         level.fBelow.emplace(level.fDataSet, offset);
     } else {
         TraceReport(TraceLevel::kWarning, [&] {
-            return "Content nested too deeply, not parsed below node number " + level.fItem.NodeText();
+            return "Content nested too deeply, not parsed below node number " + level.fItem->NodeText();
         });
     }
 }
@@ -92,7 +94,9 @@ bool SRContentTree::EnterNext() {
     Level& level = fLevels.back();
     while (level.fBelow && level.fBelow->Next()) {
         const SequenceItems& place = *level.fBelow;
-        const auto nodeText = [&] { return level.fItem.NodeText() + "." + std::to_string(place.GetCount()); };
+        const auto nodeText = [&] {
+            return level.fItem->NodeText() + "." + std::to_string(place.GetCount());
+        };
         if (place.IsEmpty()) {
             TraceReport(TraceLevel::kError, [&] {
                 return "Failed to create temporary data set for Content Sequence for node number " +
@@ -100,17 +104,19 @@ bool SRContentTree::EnterNext() {
             });
             continue;
         }
-        const std::string valueType = ReadCodeString(place.Wrap(), Tags::kValueType);
+        Level& below = fLevels.emplace_back(place);
+        const std::string valueType = ReadCodeString(below.fDataSet, Tags::kValueType);
         std::unique_ptr<SRContentItem> item = MakeItem(valueType);
         if (item == nullptr) {
+            fLevels.pop_back();
             TraceReport(TraceLevel::kInfo, [&] {
                 return "Unsupported Value Type " + valueType + " encountered for node number " + nodeText();
             });
             continue;
         }
-        item->fParent = &level.fItem;
+        item->fParent = level.fItem;
         item->fPlace = place.GetCount();
-        fLevels.emplace_back(std::move(item), place);
+        below.Own(std::move(item));
         BeginTop();
         return true;
     }
@@ -119,10 +125,10 @@ bool SRContentTree::EnterNext() {
 
 void SRContentTree::EndTop() {
     Level& level = fLevels.back();
-    level.fItem.ParseValue(level.fDataSet);
+    level.fItem->ParseValue(level.fDataSet, fCodes);
     std::unique_ptr<SRContentItem> item = std::move(level.fOwnedItem);
     fLevels.pop_back();
-    if (item != nullptr) fLevels.back().fItem.Adopt(std::move(item));
+    if (item != nullptr) fLevels.back().fItem->Adopt(std::move(item));
 }
 
 }  // namespace VantorWrappers

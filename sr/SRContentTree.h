@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "dicom/TDicomDataSet.h"
+#include "sr/SRCodeTable.h"
 #include "sr/SRContentItem.h"
 #include "sr/SequenceItems.h"
 
@@ -20,11 +21,13 @@ class SRContentTree {
   private:
     // An item that is being read, with its data set and how far the items below it have been.
     struct Level {
-        Level(SRContentItem& item, const Vantor::TDicomDataSet& dataSet);
-        Level(std::unique_ptr<SRContentItem> item, const SequenceItems& place);
+        Level(SRContentItem& root, const Vantor::TDicomDataSet& dataSet);
+        explicit Level(const SequenceItems& place) : fDataSet(place.Wrap()) {}
+
+        void Own(std::unique_ptr<SRContentItem> item);
 
         std::unique_ptr<SRContentItem> fOwnedItem;  // null for the root
-        SRContentItem& fItem;
+        SRContentItem* fItem = nullptr;
         Vantor::TDicomDataSet fDataSet;
         std::optional<SequenceItems> fBelow;
     };
@@ -33,6 +36,7 @@ class SRContentTree {
     bool EnterNext();
     void EndTop();
 
+    SRCodeTable fCodes;
     std::deque<Level> fLevels;  // the root first; never moved, as sequences refer to their data set
 };
 

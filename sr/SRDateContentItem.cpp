@@ -15,7 +15,7 @@ SRDateContentItem::SRDateContentItem(const TDicomDataSet* dataSet, const HostStr
     Construct(dataSet, nodeNumber, kNoDataSet);
 }
 
-void SRDateContentItem::ParseValue(const TDicomDataSet& dataSet) {
+void SRDateContentItem::ParseValue(const TDicomDataSet& dataSet, SRCodeTable& /*codes*/) {
     constexpr uint32_t kDateSize = 10;
     const auto text = ViewTrimmed(dataSet, Tags::kDate, kDateSize);
     const auto date = text ? ParseDate(*text) : std::nullopt;

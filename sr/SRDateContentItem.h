@@ -17,7 +17,7 @@ class SRDateContentItem final : public SRContentItem {
     const char* GetValueType() const override { return kValueType; }
 
   protected:
-    void ParseValue(const Vantor::TDicomDataSet& dataSet) override;
+    void ParseValue(const Vantor::TDicomDataSet& dataSet, SRCodeTable& codes) override;
 };
 
 }  // namespace VantorWrappers

@@ -11,7 +11,7 @@ SRDateTimeContentItem::SRDateTimeContentItem(const TDicomDataSet* dataSet, const
     Construct(dataSet, nodeNumber, kNoDataSet);
 }
 
-void SRDateTimeContentItem::ParseValue(const TDicomDataSet& dataSet) {
+void SRDateTimeContentItem::ParseValue(const TDicomDataSet& dataSet, SRCodeTable& /*codes*/) {
     SetValue(ReadMoment(dataSet, Tags::kDateTime));
 }
 

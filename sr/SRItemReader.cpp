@@ -88,12 +88,8 @@ HostString ReadMoment(const TDicomDataSet& item, Tag tag) {
     return moment ? VantorHost::DateAndTime::Format(*moment) : HostString();
 }
 
-SRCodedEntry ParseCodeSequenceMacro(const TDicomDataSet* item) {
-    if (item == nullptr) {
-        TraceReport(TraceLevel::kWarning, [] { return "No DICOM Data Set supplied"; });
-        return {};
-    }
-    CodeTexts texts = ReadCode(*item);
+SRCodedEntry ParseCodeSequenceMacro(const TDicomDataSet& item) {
+    CodeTexts texts = ReadCode(item);
     HostString meaning = Take(texts[kMeaning], "No Code Meaning found in Code Sequence Macro.");
     HostString value = Take(texts[kValue], "No code value found in Code Sequence Macro.");
     HostString scheme = Take(texts[kScheme], "No coding Scheme Designator found in Code Sequence Macro.");

@@ -64,7 +64,7 @@ std::optional<SequenceItems> FindFirstItem(const Vantor::TDicomDataSet& dataSet,
     return items;
 }
 
-// Reads a code from an item that holds one. Empty without an item; what is missing is traced.
-SRCodedEntry ParseCodeSequenceMacro(const Vantor::TDicomDataSet* item);
+// Reads a code from an item that holds one. What is missing is traced.
+SRCodedEntry ParseCodeSequenceMacro(const Vantor::TDicomDataSet& item);
 
 }  // namespace VantorWrappers

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "platform/CodePage.h"
+#include "sr/SRCodeTable.h"
 #include "sr/SRItemReader.h"
 
 namespace VantorWrappers {
@@ -37,7 +38,7 @@ SRNumericContentItem::SRNumericContentItem(const TDicomDataSet* dataSet, const H
     Construct(dataSet, nodeNumber, kNoDataSet);
 }
 
-void SRNumericContentItem::ParseValue(const TDicomDataSet& dataSet) {
+void SRNumericContentItem::ParseValue(const TDicomDataSet& dataSet, SRCodeTable& codes) {
     constexpr FirstItemComplaints kComplaints = {
         {TraceLevel::kInfo, "No Measured Value Sequence found for NUMERIC Content Item at Node Number = "},
         {TraceLevel::kInfo, "No items found in Measured Value Sequence for Node Number = "},
@@ -55,10 +56,10 @@ void SRNumericContentItem::ParseValue(const TDicomDataSet& dataSet) {
                    NodeText();
         });
     }
-    ParseUnits(measuredValue);
+    ParseUnits(measuredValue, codes);
 }
 
-void SRNumericContentItem::ParseUnits(const TDicomDataSet& measuredValue) {
+void SRNumericContentItem::ParseUnits(const TDicomDataSet& measuredValue, SRCodeTable& codes) {
     constexpr FirstItemComplaints kComplaints = {
         {TraceLevel::kWarning, "No Measurement Units Code Sequence found for Node Number = "},
         {TraceLevel::kWarning, "No items found in Measurement Units Code Sequence for Node Number = "},
@@ -66,9 +67,7 @@ void SRNumericContentItem::ParseUnits(const TDicomDataSet& measuredValue) {
          "Failed to create temporary TDicomDataSet for Measurement Units Code Sequence for Node Number = "}};
     const auto items = FindFirstItem(measuredValue, Tags::kMeasurementUnitsCodeSequence, kComplaints,
                                      [&] { return NodeText(); });
-    if (!items) return;
-    const TDicomDataSet code = items->Wrap();
-    fUnits = UnitsOf(ParseCodeSequenceMacro(&code));
+    if (items) fUnits = UnitsOf(codes.Read(*items));
 }
 
 }  // namespace VantorWrappers

@@ -21,10 +21,10 @@ class SRNumericContentItem final : public SRContentItem {
     const HostString& GetUnits() const { return fUnits; }
 
   protected:
-    void ParseValue(const Vantor::TDicomDataSet& dataSet) override;
+    void ParseValue(const Vantor::TDicomDataSet& dataSet, SRCodeTable& codes) override;
 
   private:
-    void ParseUnits(const Vantor::TDicomDataSet& measuredValue);
+    void ParseUnits(const Vantor::TDicomDataSet& measuredValue, SRCodeTable& codes);
 
     HostString fUnits;
 };

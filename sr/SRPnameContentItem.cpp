@@ -12,7 +12,7 @@ SRPnameContentItem::SRPnameContentItem(const TDicomDataSet* dataSet, const HostS
     Construct(dataSet, nodeNumber, kNoDataSet);
 }
 
-void SRPnameContentItem::ParseValue(const TDicomDataSet& dataSet) {
+void SRPnameContentItem::ParseValue(const TDicomDataSet& dataSet, SRCodeTable& /*codes*/) {
     constexpr uint32_t kNameSize = 64;
     const VantorHost::PatientName name(ReadTrimmed(dataSet, Tags::kPersonName, kNameSize));
     SetValue(name.GetDisplayablePatientName());

@@ -14,7 +14,7 @@ SRTextContentItem::SRTextContentItem(const TDicomDataSet* dataSet, const HostStr
     Construct(dataSet, nodeNumber, kNoDataSet);
 }
 
-void SRTextContentItem::ParseValue(const TDicomDataSet& dataSet) {
+void SRTextContentItem::ParseValue(const TDicomDataSet& dataSet, SRCodeTable& /*codes*/) {
     const auto text = ViewTrimmed(dataSet, Tags::kTextValue, kAnySize);
     if (!text) {
         TraceReport(TraceLevel::kWarning, [&] {

@@ -13,7 +13,7 @@ SRTimeContentItem::SRTimeContentItem(const TDicomDataSet* dataSet, const HostStr
     Construct(dataSet, nodeNumber, kNoDataSet);
 }
 
-void SRTimeContentItem::ParseValue(const TDicomDataSet& dataSet) {
+void SRTimeContentItem::ParseValue(const TDicomDataSet& dataSet, SRCodeTable& /*codes*/) {
     constexpr uint32_t kTimeSize = 16;
     const auto text = ViewTrimmed(dataSet, Tags::kTime, kTimeSize);
     const auto time = text ? ParseTimeOfDay(*text) : std::nullopt;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "dicom/TDicomDataSet.h"
 
@@ -22,6 +23,11 @@ class SequenceItems {
 
     // True for an item without content, which holds no data set.
     bool IsEmpty() const { return fItemLength == 0; }
+
+    // The item's content as it is stored.
+    std::string_view GetBytes() const {
+        return {reinterpret_cast<const char*>(fDataSet->GetDataSet()) + fItemOffset, fItemLength};
+    }
 
     // A data set over the item's content.
     Vantor::TDicomDataSet Wrap() const { return {*fDataSet, fItemOffset, static_cast<int32_t>(fItemLength)}; }

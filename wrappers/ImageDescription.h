@@ -40,7 +40,7 @@ struct ImageDescription {
     // The intensities of one colour, from the first value that is mapped on.
     struct Palette {
         int32_t fFirstValue = 0;
-        int32_t fBits = 0;  // of an entry: 8 or 16
+        int32_t fBits = 0;  // of an entry as the file tells them: 8 or 16, but not every writer keeps to it
         std::vector<uint16_t> fEntries;
     };
     static constexpr size_t kPalettes = 3;  // red, green, blue
@@ -64,7 +64,14 @@ struct ImageDescription {
     // A stored value × slope + intercept is the value that the window is about.
     double fRescaleSlope = 1;
     double fRescaleIntercept = 0;
-    std::optional<Window> fWindow;  // the first one
+    std::optional<Window> fWindow;  // the first one that is complete
+
+    // The stored values that there are in all frames, where the file tells them.
+    struct Range {
+        int32_t fSmallest;
+        int32_t fLargest;  // larger than that
+    };
+    std::optional<Range> fRange;
 
     std::array<Palette, kPalettes> fPalettes;
     bool fHasSegmentedPalettes = false;  // in a form that is not read; there are no entries then

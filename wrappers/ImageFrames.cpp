@@ -37,9 +37,13 @@ using Coding = ImageDescription::Coding;
 constexpr uint32_t kLongestCode = 16;
 constexpr uint32_t kLongestDecimals = 0x10000;
 
-// More pixels than this stand for one byte in no compression that is shown: RLE has up to 64, JPEG up to 227
-// where a block of each colour takes two bits.
+// More pixels than this stand for one byte in nothing that is shown: RLE has up to 64, JPEG up to 227 where a
+// block of each colour takes two bits.
 constexpr int64_t kMostPixelsOfByte = 256;
+
+// Other compressions have no such limit. Nobody takes memory for their pixels, but for a black picture of the
+// same size: one as large as this comes from no small file that is an image.
+constexpr int64_t kLargestUnknownPicture = int64_t{1} << 25;
 
 // Loops that do not tell how fast they are to be shown, as scanners make them.
 constexpr double kUsualFramesPerSecond = 30;
@@ -47,6 +51,8 @@ constexpr double kMillisecondsPerSecond = 1000;
 
 constexpr int64_t kLargestPalette = 0x10000;
 constexpr int32_t kBitsOfByte = 8;
+constexpr int32_t kBitsOfWord = 16;
+constexpr uint64_t kWordSize = sizeof(uint16_t);
 
 [[noreturn]] void ThrowNoImage(const char* text) {
     throw new TException(Vantor::ErrorNumbers::kRecordStructure, text);
@@ -93,6 +99,20 @@ std::optional<double> ReadDecimal(const TDicomDataSet& dataSet, Tag tag) {
     return numbers.front();
 }
 
+// The first value of each that make a pair: a number each, and a width that a window can have.
+std::optional<ImageDescription::Window> ReadWindow(const TDicomDataSet& dataSet) {
+    const std::string centers = ReadText(dataSet, Tags::kWindowCenter, kLongestDecimals);
+    const std::string widths = ReadText(dataSet, Tags::kWindowWidth, kLongestDecimals);
+    const auto centerParts = Vantor::SplitValue(centers, '\\');
+    const auto widthParts = Vantor::SplitValue(widths, '\\');
+    for (size_t i = 0; i < std::min(centerParts.size(), widthParts.size()); ++i) {
+        const auto center = ParseDecimal(centerParts[i]);
+        const auto width = ParseDecimal(widthParts[i]);
+        if (center && width && *width >= 1) return ImageDescription::Window{*center, *width};
+    }
+    return std::nullopt;
+}
+
 // ---- The pixels ----
 
 Photometric ReadPhotometric(const TDicomDataSet& dataSet) {
@@ -127,12 +147,41 @@ void ReadPixels(const TDicomDataSet& dataSet, ImageDescription& image) {
     image.fIsSigned = ReadNumber(dataSet, Tags::kPixelRepresentation, 0) == 1;
 }
 
+// Files that were cut or calculated anew may still have the range of the pixels before.
+std::optional<ImageDescription::Range> ReadRange(const TDicomDataSet& dataSet,
+                                                 const ImageDescription& image) {
+    constexpr int32_t kAbsent = std::numeric_limits<int32_t>::min();
+    const auto read = [&](Tag tag) {
+        const int32_t number = ReadNumber(dataSet, tag, kAbsent);
+        return image.fIsSigned && number != kAbsent ? static_cast<int16_t>(number) : number;
+    };
+    if (image.fBitsStored < 1 || image.fBitsStored > kBitsOfWord) return std::nullopt;
+    const int32_t values = 1 << image.fBitsStored;
+    const int32_t lowest = image.fIsSigned ? -values / 2 : 0;
+    const ImageDescription::Range range{read(Tags::kSmallestImagePixelValue),
+                                        read(Tags::kLargestImagePixelValue)};
+    const bool isRange =
+        range.fSmallest < range.fLargest && range.fSmallest >= lowest && range.fLargest < lowest + values;
+    if (!isRange) return std::nullopt;
+    return range;
+}
+
 void ReadGrays(const TDicomDataSet& dataSet, ImageDescription& image) {
     image.fRescaleSlope = ReadDecimal(dataSet, Tags::kRescaleSlope).value_or(1);
     image.fRescaleIntercept = ReadDecimal(dataSet, Tags::kRescaleIntercept).value_or(0);
-    const auto center = ReadDecimal(dataSet, Tags::kWindowCenter);
-    const auto width = ReadDecimal(dataSet, Tags::kWindowWidth);
-    if (center && width && *width >= 1) image.fWindow = ImageDescription::Window{*center, *width};
+    image.fWindow = ReadWindow(dataSet);
+    image.fRange = ReadRange(dataSet, image);
+}
+
+// What one frame takes by its description. Colours that two pixels share are written once for both.
+uint64_t CountFrameBits(const ImageDescription& image) {
+    const auto product = [](uint64_t first, int32_t second) { return first * static_cast<uint64_t>(second); };
+    if (image.fPhotometric == Photometric::kYbrFull422 && image.fBitsAllocated == kBitsOfByte) {
+        constexpr int32_t kBitsOfPair = 32;
+        return product(product(kBitsOfPair, (image.fColumns + 1) / 2), image.fRows);
+    }
+    const uint64_t samples = product(product(image.fRows, image.fColumns), image.fSamplesPerPixel);
+    return product(samples, image.fBitsAllocated);
 }
 
 // ---- Palettes ----
@@ -225,6 +274,7 @@ class ImageFrames::File {
         image.fFrames = std::max(fImage.GetNumberOfFrames(), 1);
         ReadPixels(dataSet, image);
         CheckSize(image);
+        fFrameBits = CountFrameBits(image);
         ReadGrays(dataSet, image);
         ReadPalettes(dataSet, image);
         image.fCycleLength = ReadCycleLength(dataSet, image.fFrames);
@@ -233,15 +283,7 @@ class ImageFrames::File {
 
     // Empty when the frame cannot be had.
     std::span<const uint8_t> Load(int32_t frame) {
-        fImage.LoadFrame(frame);
-        if (fImage.GetFrame() == nullptr) return {};
-        if (fImage.IsEncapsulated()) {
-            fBytes.clear();
-            if (!fImage.JoinFragments(fBytes)) return {};
-            return fBytes;
-        }
-        if (HasForeignWords()) return SwapWords();
-        return {fImage.GetFrame(), static_cast<size_t>(fImage.LoadedPixelsLength())};
+        return fImage.IsEncapsulated() ? LoadCompressed(frame) : LoadNative(frame);
     }
 
   private:
@@ -256,25 +298,77 @@ class ImageFrames::File {
 
     void CheckSize(const ImageDescription& image) const {
         if (image.fRows < 1 || image.fColumns < 1) ThrowNoImage("the image has no size");
-        const int64_t frame = static_cast<int64_t>(image.fRows) * image.fColumns;
-        if (frame > fImage.GetFileSize() * kMostPixelsOfByte / image.fFrames) {
-            ThrowNoImage("the file is too small for an image of the size that it tells");
-        }
+        const int64_t pixels = static_cast<int64_t>(image.fRows) * image.fColumns;
+        const int64_t most = fImage.GetFileSize() * kMostPixelsOfByte;
+        const bool isPossible = image.fCoding == Coding::kOther
+                                    ? pixels <= std::max(most, kLargestUnknownPicture)
+                                    : pixels <= most / image.fFrames;
+        if (!isPossible) ThrowNoImage("the file is too small for an image of the size that it tells");
+    }
+
+    // ---- Native frames ----
+
+    // They follow each other without a gap, also where the last byte of one has the first bits of the next.
+    // What is behind them is no part of them. Pixel data that is too short for all of them is shared out.
+    uint64_t FindFrameBits() const {
+        const auto available = static_cast<uint64_t>(fImage.GetPixelDataLength()) * kBitsOfByte;
+        const auto frames = static_cast<uint64_t>(fImage.GetFrameCount());
+        if (fFrameBits <= available / frames) return fFrameBits;
+        return static_cast<uint64_t>(fImage.GetFrameSize()) * kBitsOfByte;
     }
 
     // Pixels of 8 bits are in words as well, where the element says so.
     bool HasForeignWords() const { return fImage.IsBigEndian() && fImage.GetPixelDataVR() == Vr::kOW; }
 
-    // Where frames end inside words, their pixels are not told apart.
-    std::span<const uint8_t> SwapWords() {
-        const auto length = static_cast<size_t>(fImage.GetFrameLength());
-        if (fImage.GetFrameCount() > 1 && length % sizeof(uint16_t) != 0) return {};
-        fBytes.resize(length);
-        Vantor::ByteOrder::CopySwappedPairs(fBytes.data(), fImage.GetFrame(), static_cast<uint32_t>(length));
+    std::span<const uint8_t> LoadNative(int32_t frame) {
+        if (frame < 1 || frame > fImage.GetFrameCount()) return {};
+        const uint64_t bits = FindFrameBits();
+        const uint64_t start = static_cast<uint64_t>(frame - 1) * bits;
+        const uint64_t first = start / kBitsOfByte;
+        const uint64_t end = (start + bits + kBitsOfByte - 1) / kBitsOfByte;
+        if (!ReadBytes(first, end)) return {};
+        ShiftDown(static_cast<uint32_t>(start % kBitsOfByte));
+        fBytes.resize(static_cast<size_t>((bits + kBitsOfByte - 1) / kBitsOfByte));
+        return fBytes;
+    }
+
+    // Words are turned round as a whole, also where a frame begins or ends inside one.
+    bool ReadBytes(uint64_t first, uint64_t end) {
+        if (!HasForeignWords()) return Read(first, end, fBytes);
+        const uint64_t before = first % kWordSize;
+        std::vector<uint8_t> words;
+        if (!Read(first - before, end + end % kWordSize, words)) return false;
+        fBytes.resize(words.size());
+        Vantor::ByteOrder::CopySwappedPairs(fBytes.data(), words.data(), static_cast<uint32_t>(words.size()));
+        fBytes.erase(fBytes.begin(), fBytes.begin() + static_cast<std::ptrdiff_t>(before));
+        fBytes.resize(static_cast<size_t>(end - first));
+        return true;
+    }
+
+    bool Read(uint64_t first, uint64_t end, std::vector<uint8_t>& bytes) {
+        return fImage.ReadPixelData(static_cast<int64_t>(first), static_cast<int64_t>(end - first), bytes);
+    }
+
+    // The first pixel is the lowest bit of the first byte then.
+    void ShiftDown(uint32_t bits) {
+        if (bits == 0) return;
+        for (size_t i = 0; i < fBytes.size(); ++i) {
+            const uint32_t next = i + 1 < fBytes.size() ? fBytes[i + 1] : 0;
+            fBytes[i] = static_cast<uint8_t>((next << kBitsOfByte | fBytes[i]) >> bits);
+        }
+    }
+
+    // ---- Compressed frames ----
+
+    std::span<const uint8_t> LoadCompressed(int32_t frame) {
+        fBytes.clear();
+        fImage.LoadFrame(frame);
+        if (fImage.GetFrame() == nullptr || !fImage.JoinFragments(fBytes)) return {};
         return fBytes;
     }
 
     TImageFile fImage;
+    uint64_t fFrameBits = 0;
     std::vector<uint8_t> fBytes;
 };
 

@@ -17,8 +17,10 @@ namespace VantorWrappers {
 class ImageFrames {
   public:
     // Reads what stands before the pixels. Throws Vantor::TException* (owned by the catcher) when the file is
-    // no image, has no size, or is too small to hold so many pixels however they are compressed, so that
-    // nobody takes memory for them; and Vantor::Platform::FileException when it cannot be opened or read.
+    // no image, has no size, or is too small to hold so many pixels, so that nobody takes memory for them:
+    // where they are native, RLE or JPEG, as many as those can have; else, where nobody knows what they take,
+    // a picture beyond what medical images have. And Vantor::Platform::FileException when it cannot be opened
+    // or read.
     explicit ImageFrames(const HostString& path);
     ~ImageFrames();
     ImageFrames(const ImageFrames&) = delete;
@@ -30,8 +32,8 @@ class ImageFrames {
     bool LoadFrame(int32_t frame);
 
     // The bytes of the frame that was read last, valid until the next is read. Samples are in the machine's
-    // byte order, and there may be fewer or more of them than a frame needs. Compressed frames are their
-    // fragments, joined.
+    // byte order, in a frame of single bits from the lowest bit of the first byte on, and there may be fewer
+    // of them than a frame needs. Compressed frames are their fragments, joined.
     std::span<const uint8_t> GetFrame() const { return fFrame; }
 
   private:

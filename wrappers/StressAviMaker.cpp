@@ -20,11 +20,15 @@ void TraceMedia(VantorHost::TraceLevel level, const std::string& text) {
 
 void StressAviMaker::MakeStressAviFile(const HostString& path, uint32_t handler, int32_t quality,
                                        const ImageViews& views, int32_t& width, int32_t& height) {
-    *this = {};
+    fIsCancelled = false;
+    fFramesWritten = 0;
+    fFramesWanted = 0;
+    fRate = 0;
     width = 0;
     height = 0;
     const auto failure = FailureOf([&] {
         Vantor::TStressAviMaker maker(views, handler, quality);
+        maker.StopWhen(fIsCancelled);
         width = maker.GetLayout().GetWidth();
         height = maker.GetLayout().GetHeight();
         if (maker.GetLayout().IsEmpty()) return;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <vector>
 
@@ -34,6 +35,10 @@ class StressAviMaker {
     void MakeStressAviFile(const HostString& path, uint32_t handler, int32_t quality, const ImageViews& views,
                            int32_t& width, int32_t& height);
 
+    // Addition: ends the movie that is being made, as if the next frame could not be written. For views, and
+    // for other threads. Without a movie under way it does nothing.
+    void Cancel() { fIsCancelled = true; }
+
     // Addition: how many frames the movie has that was made last, and how many it was to have: those of the
     // longest loop, none with a handler of 0. The first is smaller when the movie was cut short.
     int32_t GetFramesWritten() const { return fFramesWritten; }
@@ -44,6 +49,7 @@ class StressAviMaker {
     int32_t GetRate() const { return fRate; }
 
   private:
+    std::atomic<bool> fIsCancelled = false;
     int32_t fFramesWritten = 0;
     int32_t fFramesWanted = 0;
     int32_t fRate = 0;

@@ -8,7 +8,7 @@
 #include <csetjmp>
 #include <cstddef>
 #include <cstdio>  // jpeglib.h relies on it
-#include <cstdlib>
+#include <exception>
 #include <limits>
 
 #include "cli/JpegCodec.h"
@@ -111,28 +111,64 @@ bool IsExpected(const jpeg_decompress_struct& jpeg, int32_t width, int32_t heigh
 
 class Encoding {
   public:
-    Encoding() { fJpeg.err = Prepare(fHandler); }
-    ~Encoding() {
-        jpeg_destroy_compress(&fJpeg);
-        std::free(fCompressed);  // the library takes it by malloc
+    explicit Encoding(std::vector<uint8_t>& compressed) : fCompressed(compressed) {
+        fJpeg.err = Prepare(fHandler);
+        fJpeg.client_data = this;
     }
+    ~Encoding() { jpeg_destroy_compress(&fJpeg); }
     Encoding(const Encoding&) = delete;
     Encoding& operator=(const Encoding&) = delete;
 
     bool Run(void (*part)(Encoding&)) { return Guard(fHandler, part, *this); }
 
+    // Makes room for more of the compressed frame, behind what there is. False when there is no memory.
+    bool Grow() {
+        const size_t filled = fCompressed.size();
+        try {
+            fCompressed.resize(std::max(kSmallestRoom, filled * 2));
+        } catch (const std::exception&) {
+            return false;
+        }
+        fDestination.next_output_byte = fCompressed.data() + filled;
+        fDestination.free_in_buffer = fCompressed.size() - filled;
+        return true;
+    }
+
+    // Only of what is left over.
+    void Shrink() { fCompressed.resize(fCompressed.size() - fDestination.free_in_buffer); }
+
     jpeg_compress_struct fJpeg{};
+    jpeg_destination_mgr fDestination{};
     const uint8_t* fPixels = nullptr;
     size_t fStride = 0;
     uint32_t fWidth = 0;
     uint32_t fHeight = 0;
     int fQuality = 0;
-    unsigned char* fCompressed = nullptr;
-    unsigned long fSize = 0;
 
   private:
+    static constexpr size_t kSmallestRoom = 0x10000;
+
+    std::vector<uint8_t>& fCompressed;
     ErrorHandler fHandler{};
 };
+
+Encoding& EncodingOf(j_compress_ptr jpeg) { return *static_cast<Encoding*>(jpeg->client_data); }
+
+// The library calls this when the room is used up.
+boolean MakeRoom(j_compress_ptr jpeg) {
+    if (!EncodingOf(jpeg).Grow()) Leave(reinterpret_cast<j_common_ptr>(jpeg));
+    return TRUE;
+}
+
+void BeginOutput(j_compress_ptr jpeg) { MakeRoom(jpeg); }
+void EndOutput(j_compress_ptr jpeg) { EncodingOf(jpeg).Shrink(); }
+
+void SetDestination(Encoding& encoding) {
+    encoding.fDestination.init_destination = BeginOutput;
+    encoding.fDestination.empty_output_buffer = MakeRoom;
+    encoding.fDestination.term_destination = EndOutput;
+    encoding.fJpeg.dest = &encoding.fDestination;
+}
 
 // Every frame has the usual tables in it, and colours for every second pixel of a row: what all readers of
 // such movies can take.
@@ -151,7 +187,7 @@ void Configure(Encoding& encoding) {
 void WriteFrame(Encoding& encoding) {
     jpeg_compress_struct& jpeg = encoding.fJpeg;
     jpeg_create_compress(&jpeg);
-    jpeg_mem_dest(&jpeg, &encoding.fCompressed, &encoding.fSize);
+    SetDestination(encoding);
     Configure(encoding);
     jpeg_start_compress(&jpeg, TRUE);
     while (jpeg.next_scanline < jpeg.image_height) {
@@ -186,15 +222,16 @@ bool JpegCodec::Encode(const uint8_t* pixels, int32_t width, int32_t height, int
                        std::vector<uint8_t>& compressed) {
     constexpr int32_t kBest = 100;
     if (width < 1 || height < 1 || width > JPEG_MAX_DIMENSION || height > JPEG_MAX_DIMENSION) return false;
-    Encoding encoding;
+    compressed.clear();
+    Encoding encoding(compressed);
     encoding.fPixels = pixels;
     encoding.fWidth = static_cast<uint32_t>(width);
     encoding.fHeight = static_cast<uint32_t>(height);
     encoding.fStride = (encoding.fWidth * size_t{kColors} + kRowUnit - 1) / kRowUnit * kRowUnit;
     encoding.fQuality = std::clamp(quality, 1, kBest);
-    if (!encoding.Run(WriteFrame)) return false;
-    compressed.assign(encoding.fCompressed, encoding.fCompressed + encoding.fSize);
-    return true;
+    const bool isEncoded = encoding.Run(WriteFrame);
+    if (!isEncoded) compressed.clear();
+    return isEncoded;
 }
 
 }  // namespace VantorCli

@@ -87,8 +87,9 @@ std::string FindProgram(const std::string& name) {
     const char* const variable = std::getenv("PATH");
     std::istringstream folders(variable == nullptr ? "" : variable);
     for (std::string folder; std::getline(folders, folder, ':');) {
-        const std::string path = folder + "/" + name;
-        if (folder.starts_with('/') && IsProgram(path)) return path;
+        if (!folder.starts_with('/')) continue;
+        folder.append("/").append(name);
+        if (IsProgram(folder)) return folder;
     }
     return std::string();
 }

@@ -28,9 +28,8 @@ class LoadedLibrary final : public DynamicLibrary {
 
 // The place of what the library needs can only be that of a library whose place is known.
 bool IsFullPath(const std::string& path) {
-    constexpr char kSeparators[] = "\\/";
-    constexpr size_t kBehindDrive = 2;
-    return path.find_first_of(kSeparators) == kBehindDrive || path.rfind(R"(\\)", 0) == 0;
+    constexpr size_t kBehindLetter = 1;
+    return path.find(':') == kBehindLetter || path.starts_with(R"(\\)");
 }
 
 // A library that is missing is an answer, not a reason to ask the user for it.

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "cli/JpegCodec.h"
 #include "cli/RleFrame.h"
 #include "tests/support/TestFolder.h"
@@ -100,6 +102,9 @@ TEST(FramePicture, Grays) {
     const auto window = [](double center, double width) {
         return [=](Image& image) { image.fWindow = Image::Window{center, width}; };
     };
+    const auto range = [](int32_t smallest, int32_t largest) {
+        return [=](Image& image) { image.fRange = Image::Range{smallest, largest}; };
+    };
     const Image two = Describe(Photometric::kMonochrome2, 3, 2);
     const Image one = Describe(Photometric::kMonochrome1, 3, 2);
     const Image twelve = Describe(Photometric::kMonochrome2, 3, 2, 12);
@@ -129,20 +134,35 @@ TEST(FramePicture, Grays) {
          Describe(Photometric::kMonochrome2, 3, 2, 4),
          {0, 1, 7, 8, 14, 15},
          Grays({0, 17, 119, 136, 238, 255})},
-        {"12 bits: the range of the frame", twelve, Words({100, 100, 151, 202, 253, 355}),
-         Grays({0, 0, 51, 102, 153, 255})},
-        {"12 bits: anything in the others", twelve, Words({0xF064, 0x1064, 0x8097, 202, 253, 0xF163}),
-         Grays({0, 0, 51, 102, 153, 255})},
-        {"12 bits, signed", With(twelve, isSigned), Words({0xF38, 0xF38, 0xF6B, 0xF9E, 0xFD1, 0x37}),
-         Grays({0, 0, 51, 102, 153, 255})},
-        {"one value only", twelve, Words({7, 7, 7, 7, 7, 7}), Grays({0, 0, 0, 0, 0, 0})},
+        {"12 bits: all their range", twelve, Words({0, 8, 9, 819, 4086, 4095}),
+         Grays({0, 0, 1, 51, 254, 255})},
+        {"12 bits: anything in the others", twelve, Words({0xF000, 0x1008, 0x8009, 819, 4086, 0xFFFF}),
+         Grays({0, 0, 1, 51, 254, 255})},
+        {"12 bits, signed", With(twelve, isSigned), Words({0x800, 0x808, 0x809, 0xB33, 0, 0x7FF}),
+         Grays({0, 0, 1, 51, 128, 255})},
+        {"12 bits: the range that the file tells", With(twelve, range(100, 355)),
+         Words({0, 100, 151, 202, 355, 4095}), Grays({0, 0, 51, 102, 255, 255})},
+        {"a range from below 0 on", With(With(twelve, isSigned), range(-200, 55)),
+         Words({0x800, 0xF38, 0xF6B, 0xF9E, 0x37, 0x7FF}), Grays({0, 0, 51, 102, 255, 255})},
+        {"a range behind the rescaling",
+         With(With(twelve, range(100, 355)),
+              [](Image& image) {
+                  image.fRescaleSlope = -0.5;
+                  image.fRescaleIntercept = 7;
+              }),
+         Words({0, 100, 151, 202, 355, 4095}), Grays({255, 255, 204, 153, 0, 0})},
+        {"a window counts more than the range", With(With(twelve, range(100, 355)), window(128.5, 256)),
+         Words({0, 1, 100, 151, 255, 355}), Grays({0, 1, 100, 151, 255, 255})},
+        {"a range of 8 bits", With(two, range(100, 101)), ramp, Grays({0, 1, 100, 127, 254, 255})},
+        {"one value only", twelve, Words({4095, 4095, 4095, 4095, 4095, 4095}),
+         Grays({255, 255, 255, 255, 255, 255})},
         {"16 bits, window", With(Describe(Photometric::kMonochrome2, 3, 2, 16), window(32768.5, 65536)),
          Words({0, 257, 0x8000, 0x8080, 0xFEFF, 0xFFFF}), Grays({0, 1, 128, 128, 254, 255})},
         {"16 bits, signed, window",
          With(With(Describe(Photometric::kMonochrome2, 3, 2, 16), isSigned), window(0, 256)),
          Words({-200, -127, 0, 1, 127, 200}), Grays({0, 1, 128, 129, 255, 255})},
         {"bits at the top of the sample", With(twelve, [](Image& image) { image.fHighBit = 15; }),
-         Words({0x640, 0x64F, 0x970, 0xCA0, 0xFD0, 0x1630}), Grays({0, 0, 51, 102, 153, 255})},
+         Words({0, 0x8F, 0x90, 0x3330, 0xFF60, 0xFFFF}), Grays({0, 0, 1, 51, 254, 255})},
         {"window behind the rescaling",
          With(twelve,
               [](Image& image) {
@@ -235,6 +255,24 @@ TEST(FramePicture, Palettes) {
          Words({0, 0xFFFD, 0xFFFE, 0xFFFF}),
          {0xFF7F3F, 0xFF7F3F, 0x804020, 0x040201}},
     });
+    // Entries of the first palette and bits that it tells; what is shown of entry 0 of it.
+    const std::tuple<const char*, std::vector<uint16_t>, int32_t, uint32_t> cases[] = {
+        {"255 is white, whatever is told", {0xFF, 0x80}, 16, 0xFF7F3F},
+        {"also of 12 bits", {0xFF, 0x80}, 12, 0xFF7F3F},
+        {"12 bits", {0xFFF, 0x80}, 12, 0xFF7F3F},
+        {"12 bits at the top of the word", {0xFFF0, 0x80}, 12, 0xFF7F3F},
+        {"65,535 is white, whatever is told", {0xFFFF, 0x80}, 8, 0xFF7F3F},
+        {"16 bits, dark", {0x100, 0x80}, 16, 0x010000},
+    };
+    for (const auto& [name, largest, bits, expected] : cases) {
+        EXPECT_EQ(Draw(DescribePalette(8, largest, 0, bits), {0, 0, 0, 0}), Pixels(4, expected)) << name;
+    }
+    // Blue has no entry above 255, and green tells other bits than red.
+    const auto dark = With(DescribePalette(8, {0x8000}), [](Image& image) {
+        image.fPalettes[1] = {0, 8, {0x40}};
+        image.fPalettes[2] = {0, 16, {0xFF}};
+    });
+    EXPECT_EQ(Draw(dark, {0, 0, 0, 0}), Pixels(4, 0x804000));
     EXPECT_EQ(FramePicture(DescribePalette(8, {})).GetProblem(), "its palettes are missing or damaged");
     const auto segmented =
         With(DescribePalette(8, {}), [](Image& image) { image.fHasSegmentedPalettes = true; });
@@ -265,7 +303,7 @@ TEST(FramePicture, RunLengths) {
         {"filled up", gray, Rle({{0xFD, 5, 1, 6, 7, 0}}), ramp},
         {"with bytes that mean nothing", gray, Rle({{0x80, 0xFD, 5, 0x80, 1, 6, 7}}), ramp},
         {"16 bits: high bytes first", With(Describe(Photometric::kMonochrome2, 2, 2, 16), rle),
-         Rle({{3, 0, 1, 2, 3}, {0xFD, 0}}), Grays({0, 85, 170, 255})},
+         Rle({{3, 0, 0x55, 0xAA, 0xFF}, {0xFD, 0}}), Grays({0, 85, 169, 254})},
         {"colours",
          With(DescribeColors(Photometric::kRgb, 2, 1), rle),
          Rle({{1, 1, 2}, {0xFF, 3}, {1, 4, 5}}),
@@ -356,6 +394,25 @@ TEST(FramePicture, Jpeg) {
     EXPECT_FALSE(JpegCodec::Encode(frame.data(), 0, 1, 50, none));
 }
 
+// Beyond the room that a frame is begun with, several times over.
+TEST(FramePicture, LargeJpeg) {
+    if (!JpegCodec::IsThere()) GTEST_SKIP() << "built without JPEG";
+    Bytes noise(size_t{600} * 600 * 3);
+    uint32_t seed = 1;
+    for (uint8_t& level : noise) {
+        seed = seed * 1103515245 + 12345;
+        level = static_cast<uint8_t>(seed >> 16);
+    }
+    Bytes frame, again = {1, 2, 3};
+    ASSERT_TRUE(JpegCodec::Encode(noise.data(), 600, 600, 95, frame));
+    ASSERT_TRUE(JpegCodec::Encode(noise.data(), 600, 600, 95, again));
+    EXPECT_GT(frame.size(), size_t{4} * 0x10000);
+    EXPECT_EQ(frame, again) << "nothing of what was there before";
+    EXPECT_EQ(Bytes(frame.end() - 2, frame.end()), Bytes({0xFF, 0xD9}));
+    Bytes samples;
+    EXPECT_TRUE(JpegCodec::Decode(frame, 600, 600, 3, false, samples));
+}
+
 TEST(FramePicture, WhatCannotBeShown) {
     const std::vector<std::pair<Image, const char*>> images = {
         {Describe(Photometric::kMonochrome2, 1, 1, 8, 3), "its colours cannot be shown"},
@@ -397,12 +454,13 @@ TEST(FramePicture, FramesThatAreTooShort) {
     EXPECT_EQ(Draw(DescribeColors(Photometric::kRgb, 3, 1, 16), Bytes(17)), Pixels());
 }
 
-TEST(FramePicture, EachFrameHasItsOwnRange) {
+// Else a loop would flicker.
+TEST(FramePicture, AllFramesHaveTheSameShades) {
     FramePicture picture(Describe(Photometric::kMonochrome2, 2, 1, 12));
-    EXPECT_EQ(PixelsOf(picture.Draw(Words({10, 20}))->GetBytes()), Grays({0, 255}));
-    EXPECT_EQ(PixelsOf(picture.Draw(Words({20, 10}))->GetBytes()), Grays({255, 0}));
+    EXPECT_EQ(PixelsOf(picture.Draw(Words({0, 819}))->GetBytes()), Grays({0, 51}));
+    EXPECT_EQ(PixelsOf(picture.Draw(Words({819, 1638}))->GetBytes()), Grays({51, 102}));
     EXPECT_EQ(picture.Draw(Words({20})), nullptr);
-    EXPECT_EQ(PixelsOf(picture.Draw(Words({4000, 4001}))->GetBytes()), Grays({0, 255}));
+    EXPECT_EQ(PixelsOf(picture.Draw(Words({4095, 4095}))->GetBytes()), Grays({255, 255}));
 }
 
 }  // namespace

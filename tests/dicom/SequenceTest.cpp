@@ -244,6 +244,29 @@ TEST(Sequence, RememberedLengthsAreThoseMeasured) {
     }
 }
 
+// A search that goes on where the last one ended finds what one from the start finds, in whatever order, and
+// also where a writer has put a lower group behind a higher one.
+TEST(Sequence, RememberedSearchesChangeNothing) {
+    ElementBuilder builder;
+    const std::vector<Tag> tags = {{0x0008, 0x0060}, {0x0010, 0x0010}, {0x0010, 0x0020}, {0x0008, 0x0070},
+                                   {0x0020, 0x0011}, {0x0010, 0x0030}, {0x0040, 0xA030}};
+    for (const Tag tag : tags) builder.Text(tag, Vr::kLO, std::to_string(tag.fElement));
+    Bytes bytes = builder.GetBytes();
+    const TDicomDataSet dataSet = Over(bytes);
+    TDicomDataSet remembering(dataSet, 0, dataSet.GetDataSetSize());
+    remembering.RememberLengths();
+    std::vector<Tag> searched = tags;
+    searched.insert(searched.end(), {{0x0008, 0x0065}, {0x0010, 0x0015}, {0x0030, 0x0001}, {0x0040, 0xA040}});
+    for (const Tag first : searched) {
+        for (const Tag second : searched) {
+            for (const Tag tag : {first, second, first}) {
+                EXPECT_EQ(TextOf(remembering, tag), TextOf(dataSet, tag))
+                    << tag.fGroup << " " << tag.fElement;
+            }
+        }
+    }
+}
+
 // A medium with twenty thousand levels of items: measured without a deep stack, followed to a depth.
 TEST(Sequence, EndlessNestingIsMeasuredAndNotFollowed) {
     constexpr int kLevels = 20000;

@@ -32,15 +32,27 @@ def _first(value):
     return float(value[0] if isinstance(value, MultiValue) else value)
 
 
+def _range(data_set):
+    """The stored values that are black and white where there is no window: those that the file tells for all its frames,
+    if it has more than 8 bits, and else all that there can be.
+    """
+    lowest = -2**(data_set.BitsStored - 1) if data_set.PixelRepresentation else 0
+    highest = lowest + 2**data_set.BitsStored - 1
+    smallest, largest = data_set.get("SmallestImagePixelValue"), data_set.get("LargestImagePixelValue")
+    if data_set.BitsStored > 8 and None not in (smallest, largest) and lowest <= smallest < largest <= highest:
+        return smallest, largest
+    return lowest, highest
+
+
 def _render_gray(data_set, frame):
-    values = frame * float(data_set.get("RescaleSlope", 1)) + float(data_set.get("RescaleIntercept", 0))
+    slope, intercept = float(data_set.get("RescaleSlope", 1)), float(data_set.get("RescaleIntercept", 0))
+    values = frame * slope + intercept
     if "WindowWidth" in data_set:
         center, width = _first(data_set.WindowCenter), _first(data_set.WindowWidth)
         levels = ((values - (center - 0.5)) / (width - 1) + 0.5) * FULL
-    elif data_set.BitsStored <= 8:
-        levels = values / (2**data_set.BitsStored - 1) * FULL
     else:
-        levels = (values - values.min()) / (values.max() - values.min()) * FULL
+        first, last = [(each * slope + intercept) for each in _range(data_set)]
+        levels = (values - min(first, last)) / abs(last - first) * FULL
     levels = numpy.clip(numpy.floor(levels + 0.5), 0, FULL).astype(numpy.uint8)
     if data_set.PhotometricInterpretation == "MONOCHROME1":
         levels = FULL - levels

@@ -4,6 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <tuple>
+#include <utility>
+
 #include "platform/CodePage.h"
 #include "tests/support/DicomSupport.h"
 #include "tests/support/FileBuilder.h"
@@ -183,6 +187,158 @@ TEST_F(ImageFramesTest, BigEndianWords) {
     EXPECT_EQ(FrameOf(*Open(bytes.Build()), 1), Bytes({1, 2, 3, 4}));
 }
 
+struct Native {
+    const char* fName;
+    uint16_t fColumns;
+    uint16_t fRows;
+    uint16_t fBits;
+    Bytes fPixels;
+    std::vector<Bytes> fFrames;
+    const char* fColors = "MONOCHROME2";
+    uint16_t fSamples = 1;
+};
+
+// As many bytes as the description tells, from where the frames before end.
+const Native kNative[] = {
+    {"frames of an odd size", 3, 1, 8, {1, 2, 3, 4, 5, 6, 7, 8, 9, 0}, {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}}},
+    {"one frame of an odd size", 3, 1, 8, {1, 2, 3, 0}, {{1, 2, 3}}},
+    {"more bytes than frames", 2, 1, 8, {1, 2, 3, 4, 99, 99, 99, 99}, {{1, 2}, {3, 4}}},
+    {"more bytes than one frame", 2, 1, 8, {1, 2, 99, 99}, {{1, 2}}},
+    {"words of an odd size and a rest", 1, 1, 16, {1, 2, 3, 4, 5, 6, 7, 8}, {{1, 2}, {3, 4}, {5, 6}}},
+    {"shared out: too few", 4, 1, 8, {1, 2, 3, 4, 5, 6}, {{1, 2}, {3, 4}, {5, 6}}},
+    {"too few for one", 4, 1, 8, {1, 2}, {{1, 2}}},
+    {"no bits", 4, 1, 0, {1, 2, 3, 4}, {{}, {}}},
+    {"pairs that share a colour",
+     2,
+     1,
+     8,
+     {1, 2, 3, 4, 5, 6, 7, 8, 99, 99, 99, 99},
+     {{1, 2, 3, 4}, {5, 6, 7, 8}},
+     "YBR_FULL_422",
+     3},
+    {"an odd number of them",
+     3,
+     1,
+     8,
+     {1, 2, 3, 4, 5, 6, 7, 8, 99, 99},
+     {{1, 2, 3, 4, 5, 6, 7, 8}},
+     "YBR_FULL_422",
+     3},
+    {"single bits", 8, 1, 1, {0x12, 0x34}, {{0x12}, {0x34}}},
+    // 3 bits each: 0b101, 0b100, 0b011 and 0b010 from the lowest on are 0b010'011'100'101.
+    {"single bits across bytes", 3, 1, 1, {0xE5, 0x04}, {{0x05}, {0x04}, {0x03}, {0x02}}},
+};
+
+Bytes BitsOf(Bytes frame, const Native& native) {
+    if (native.fBits != 1 || frame.empty()) return frame;
+    const auto count = native.fColumns * native.fRows;
+    frame.back() = static_cast<uint8_t>(frame.back() & (0xFF >> (8 - count % 8) % 8));
+    return frame;
+}
+
+TEST_F(ImageFramesTest, FramesAreAsLongAsTheirPixels) {
+    for (const bool isBigEndian : {false, true}) {
+        const char* syntax = isBigEndian ? Uids::kExplicitVRBigEndian : Uids::kExplicitVRLittleEndian;
+        for (const Native& native : kNative) {
+            Bytes pixels = native.fPixels;
+            for (size_t i = 0; isBigEndian && i < pixels.size(); i += 2) std::swap(pixels[i], pixels[i + 1]);
+            const std::string frames = std::to_string(native.fFrames.size());
+            FileBuilder file(syntax);
+            file.Data()
+                .Numbers16(Tags::kSamplesPerPixel, Vr::kUS, {native.fSamples})
+                .Text(Tags::kPhotometricInterpretation, Vr::kCS, native.fColors)
+                .Text(Tags::kNumberOfFrames, Vr::kIS, frames)
+                .Numbers16(Tags::kRows, Vr::kUS, {native.fRows})
+                .Numbers16(Tags::kColumns, Vr::kUS, {native.fColumns})
+                .Numbers16(Tags::kBitsAllocated, Vr::kUS, {native.fBits})
+                .Value(Tags::kPixelData, Vr::kOW, pixels);
+            const auto image = Open(file.Build());
+            for (size_t i = native.fFrames.size(); i > 0; --i) {
+                EXPECT_EQ(BitsOf(FrameOf(*image, static_cast<int32_t>(i)), native), native.fFrames[i - 1])
+                    << native.fName << ", frame " << i << ", " << syntax;
+            }
+            EXPECT_EQ(FrameOf(*image, static_cast<int32_t>(native.fFrames.size()) + 1), Bytes());
+        }
+    }
+}
+
+// The last frames are missing; the others are where they belong.
+TEST_F(ImageFramesTest, CutFile) {
+    FileBuilder file = MakeFile({.fFrames = "3"});
+    file.Data()
+        .Numbers16(Tags::kBitsAllocated, Vr::kUS, {8})
+        .Value(Tags::kPixelData, Vr::kOB, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12});
+    const Bytes whole = file.Build();
+    const auto image = Open(whole);
+    fFolder.WriteFile("image", Bytes(whole.begin(), whole.end() - 6));
+    EXPECT_EQ(FrameOf(*image, 1), Bytes({1, 2, 3, 4}));
+    EXPECT_EQ(FrameOf(*image, 2), Bytes());
+    EXPECT_EQ(FrameOf(*image, 3), Bytes());
+}
+
+// The first pair of values that is complete.
+TEST_F(ImageFramesTest, Window) {
+    const std::tuple<const char*, const char*, std::optional<std::pair<double, double>>> cases[] = {
+        {"40\\50", "300\\400", std::pair(40, 300)},
+        {"\\50", "300\\400", std::pair(50, 400)},
+        {"40\\50", "\\400", std::pair(50, 400)},
+        {"40\\50", "0\\400", std::pair(50, 400)},
+        {"x\\50", "300\\400", std::pair(50, 400)},
+        {"40", "300\\400", std::pair(40, 300)},
+        {"\\50", "300", std::nullopt},
+        {"\\50", "300\\", std::nullopt},
+        {"40", "0.5", std::nullopt},
+    };
+    for (const auto& [centers, widths, expected] : cases) {
+        FileBuilder file = MakeFile({});
+        file.Data()
+            .Text(Tags::kWindowCenter, Vr::kDS, centers)
+            .Text(Tags::kWindowWidth, Vr::kDS, widths)
+            .Value(Tags::kPixelData, Vr::kOB, {1, 2, 3, 4});
+        const auto window = Open(file.Build())->GetDescription().fWindow;
+        ASSERT_EQ(window.has_value(), expected.has_value()) << centers << " " << widths;
+        if (!window) continue;
+        EXPECT_EQ(std::pair(window->fCenter, window->fWidth), *expected) << centers << " " << widths;
+    }
+}
+
+TEST_F(ImageFramesTest, RangeOfValues) {
+    struct Case {
+        std::initializer_list<uint16_t> fSmallest;
+        std::initializer_list<uint16_t> fLargest;
+        bool fIsSigned;
+        std::optional<std::pair<int32_t, int32_t>> fExpected;
+    };
+    const Case cases[] = {
+        {{100}, {4095}, false, std::pair(100, 4095)},
+        {{0}, {1}, false, std::pair(0, 1)},
+        {{0xFFF0}, {0x7FF}, true, std::pair(-16, 2047)},
+        {{0xF800}, {0xFFFF}, true, std::pair(-2048, -1)},
+        {{100}, {100}, false, std::nullopt},
+        {{101}, {100}, false, std::nullopt},
+        {{0}, {4096}, false, std::nullopt},
+        {{0xF7FF}, {0}, true, std::nullopt},
+        {{0}, {0x800}, true, std::nullopt},
+        {{}, {100}, false, std::nullopt},
+        {{}, {100}, true, std::nullopt},
+        {{100}, {}, false, std::nullopt},
+    };
+    for (const Case& each : cases) {
+        FileBuilder file = MakeFile({});
+        file.Data()
+            .Numbers16(Tags::kBitsAllocated, Vr::kUS, {16})
+            .Numbers16(Tags::kBitsStored, Vr::kUS, {12})
+            .Numbers16(Tags::kPixelRepresentation, Vr::kUS, {static_cast<uint16_t>(each.fIsSigned)})
+            .Numbers16(Tags::kSmallestImagePixelValue, each.fIsSigned ? Vr::kSS : Vr::kUS, each.fSmallest)
+            .Numbers16(Tags::kLargestImagePixelValue, each.fIsSigned ? Vr::kSS : Vr::kUS, each.fLargest)
+            .Value(Tags::kPixelData, Vr::kOW, Bytes(8));
+        const auto range = Open(file.Build())->GetDescription().fRange;
+        ASSERT_EQ(range.has_value(), each.fExpected.has_value()) << &each - cases;
+        if (!range) continue;
+        EXPECT_EQ(std::pair(range->fSmallest, range->fLargest), *each.fExpected) << &each - cases;
+    }
+}
+
 TEST_F(ImageFramesTest, CompressedFrames) {
     const std::pair<const char*, Coding> codings[] = {{Uids::kRleLossless, Coding::kRle},
                                                       {Uids::kJpegBaseline, Coding::kJpeg},
@@ -265,6 +421,24 @@ TEST_F(ImageFramesTest, NoImage) {
         file.Data().Value(Tags::kPixelData, Vr::kOB, Bytes(12));
         EXPECT_EQ(FailureToOpen(file.Build()),
                   "102 the file is too small for an image of the size that it tells");
+    }
+    // RLE and JPEG take some bytes for so many pixels. Of others nobody knows, but no picture is that large.
+    constexpr char kLossless[] = "1.2.840.10008.1.2.4.90";
+    const std::tuple<const char*, Start, bool> cases[] = {
+        {kLossless, {.fColumns = 4096, .fRows = 8192}, true},
+        {kLossless, {.fColumns = 640, .fRows = 480, .fFrames = "100000"}, true},
+        {kLossless, {.fColumns = 4097, .fRows = 8192}, false},
+        {kLossless, {.fColumns = 65535, .fRows = 65535}, false},
+        {Uids::kRleLossless, {.fColumns = 640, .fRows = 480}, false},
+        {Uids::kJpegBaseline, {.fColumns = 640, .fRows = 480}, false},
+        {Uids::kJpegBaseline, {.fColumns = 64, .fRows = 48, .fFrames = "100000"}, false},
+    };
+    for (const auto& [syntax, start, isImage] : cases) {
+        FileBuilder file = MakeFile(start, syntax);
+        file.Data().EncapsulatedPixels({}, {Bytes(100)});
+        EXPECT_EQ(FailureToOpen(file.Build()),
+                  isImage ? "nothing" : "102 the file is too small for an image of the size that it tells")
+            << syntax << " " << start.fColumns;
     }
     EXPECT_NE(ThrownBy([] { ImageFrames missing(L"no such file"); }), "nothing");
     EXPECT_NE(ThrownBy([] { ImageFrames tooLong(std::wstring(300, L'x')); }), "nothing");

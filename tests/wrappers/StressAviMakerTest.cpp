@@ -56,6 +56,22 @@ class StressAviMakerTest : public testing::Test {
     PictureView fStill{2, 7, 3, 1, 0};
 };
 
+// As when the user gives it up: what there is by then is a movie, and the next one is not given up.
+TEST_F(StressAviMakerTest, EndsAMovieThatIsCancelled) {
+    fMaker.Cancel();
+    fShorter.fInstead = [this](int32_t frame) {
+        if (frame == 4) fMaker.Cancel();
+        return false;
+    };
+    Make(kUncompressed, {&fShorter});
+    EXPECT_EQ(fMaker.GetFramesWritten(), 3);
+    EXPECT_EQ(ReadMovie().fFrames.size(), 3U);
+    EXPECT_EQ(fTrace.Take(), Shorter(3, 15));
+    EXPECT_EQ(fShorter.fShown.size(), 4U);
+    Make(kUncompressed, {&fStill});
+    EXPECT_EQ(fMaker.GetFramesWritten(), 1);
+}
+
 // Three views in four cells of 9 x 7, each at its own size in the middle, pixel by pixel through the file.
 TEST_F(StressAviMakerTest, MakesAMovieOfThreeViews) {
     Make(kUncompressed, {&fLonger, &fShorter, &fStill});
