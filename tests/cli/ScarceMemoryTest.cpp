@@ -4,26 +4,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <new>
 #include <vector>
 
 #include "cli/JpegCodec.h"
-
-namespace {
-
-size_t gMostBytes = SIZE_MAX;  // that are to be had at once
-
-}  // namespace
-
-// For the whole test program.
-void* operator new(size_t size) {
-    void* memory = size > gMostBytes ? nullptr : std::malloc(size > 0 ? size : 1);
-    if (memory == nullptr) throw std::bad_alloc();
-    return memory;
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, size_t) noexcept { std::free(memory); }
+#include "tests/cli/ScarceMemory.h"
 
 namespace {
 
@@ -38,16 +22,21 @@ TEST(ScarceMemory, JpegFrames) {
         seed = seed * 1103515245 + 12345;
         level = static_cast<uint8_t>(seed >> 16);
     }
+    const auto encode = [&](std::vector<uint8_t>& compressed) {
+        return JpegCodec::Encode(pixels.data(), kSide, kSide, 95, compressed);
+    };
+    std::vector<uint8_t> compressed;
     for (const size_t most : {size_t{1000}, size_t{0x10000}, size_t{0x20000}, size_t{0x40000}}) {
-        std::vector<uint8_t> compressed;
-        gMostBytes = most;
-        const bool isDone = JpegCodec::Encode(pixels.data(), kSide, kSide, 95, compressed);
-        gMostBytes = SIZE_MAX;
+        bool isDone = true;
+        {
+            const VantorTest::ScarceMemory scarce(most);
+            compressed = {};
+            isDone = encode(compressed);
+        }
         EXPECT_FALSE(isDone) << most;
         EXPECT_TRUE(compressed.empty()) << most;
     }
-    std::vector<uint8_t> compressed;
-    EXPECT_TRUE(JpegCodec::Encode(pixels.data(), kSide, kSide, 95, compressed));
+    EXPECT_TRUE(encode(compressed));
     EXPECT_FALSE(compressed.empty());
 }
 
