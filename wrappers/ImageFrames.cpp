@@ -180,7 +180,8 @@ uint64_t CountFrameBits(const ImageDescription& image) {
         constexpr int32_t kBitsOfPair = 32;
         return product(product(kBitsOfPair, (image.fColumns + 1) / 2), image.fRows);
     }
-    const uint64_t samples = product(product(image.fRows, image.fColumns), image.fSamplesPerPixel);
+    const uint64_t samples =
+        product(product(product(1, image.fRows), image.fColumns), image.fSamplesPerPixel);
     return product(samples, image.fBitsAllocated);
 }
 
