@@ -10,16 +10,13 @@ runs counts. DIRECTORY_UPDATE and DIRECTORY_TREE name the programs, those in bui
 
 import os
 import subprocess
-import sys
 import tempfile
 import time
 from pathlib import Path
 
 import load_versus_dcmdump as large
-
-sys.path.insert(0, str(large.ROOT / "tests" / "interop"))
-
-from small_file import element, example_elements, start_of_file  # noqa: E402
+from measuring import program
+from small_file import element, example_elements, start_of_file
 
 PATIENTS, STUDIES = range(10), range(10)  # of a thousand images and ten series more
 FILES = 100
@@ -50,13 +47,10 @@ def copy_in_place(path):
 
 
 def main():
-    def program(name):
-        return os.environ.get(name.upper(), str(large.ROOT / "build" / "release" / "bin" / name))
-
     def run(*command):
         subprocess.run([*map(str, command)], check=True, stdout=subprocess.DEVNULL)
 
-    tree, update = program("directory_tree"), program("directory_update")
+    tree, update = program("DIRECTORY_TREE", "bin/directory_tree"), program("DIRECTORY_UPDATE", "bin/directory_update")
     with tempfile.TemporaryDirectory() as name:
         folder = Path(name)
         path, content = folder / "DICOMDIR", directory()

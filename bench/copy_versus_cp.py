@@ -13,13 +13,10 @@ import struct
 import subprocess
 import sys
 import tempfile
-import time
 from pathlib import Path
 
-ROOT = Path(__file__).resolve().parent.parent
-sys.path.insert(0, str(ROOT / "tests" / "interop"))
-
-from small_file import CT_IMAGE, element, example_elements, start_of_file  # noqa: E402
+from measuring import program, seconds_for
+from small_file import CT_IMAGE, element, example_elements, start_of_file
 
 MEGABYTE = 1 << 20
 RUNS = 5
@@ -34,7 +31,7 @@ def write_image(path, number, size):
 
 def main():
     size, count = [int(given) for given in sys.argv[1:]] or [128, 8]
-    program = os.environ.get("DIRECTORY_UPDATE", str(ROOT / "build" / "release" / "bin" / "directory_update"))
+    update = program("DIRECTORY_UPDATE", "bin/directory_update")
     with tempfile.TemporaryDirectory() as name:
         source, target = Path(name, "SOURCE"), Path(name, "TARGET")
         source.mkdir()
@@ -45,13 +42,11 @@ def main():
             for kind, own in times.items():
                 shutil.rmtree(target, ignore_errors=True)
                 target.mkdir()
-                subprocess.run([program, "create", target, "BENCH"], check=True)
+                subprocess.run([update, "create", target, "BENCH"], check=True)
                 os.sync()
-                commands = {"import": [program, "import", target / "DICOMDIR", source],
+                commands = {"import": [update, "import", target / "DICOMDIR", source],
                             "cp": ["cp", "--reflink=never", *source.iterdir(), target]}
-                begin = time.perf_counter()
-                subprocess.run(commands[kind], check=True)
-                own.append(time.perf_counter() - begin)
+                own.append(seconds_for(commands[kind]))
         best = {kind: min(own) for kind, own in times.items()}
         for kind, seconds in best.items():
             print(f"{count} files of {size} MB  {kind:6} {seconds * 1000:8.1f} ms  {seconds / best['cp']:5.2f} times  "

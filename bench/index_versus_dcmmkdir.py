@@ -9,16 +9,12 @@ runs counts. DIRECTORY_UPDATE names the program, build/release/bin/directory_upd
 """
 
 import os
-import subprocess
 import sys
 import tempfile
-import time
 from pathlib import Path
 
-ROOT = Path(__file__).resolve().parent.parent
-sys.path.insert(0, str(ROOT / "tests" / "interop"))
-
-from small_file import CT_IMAGE, element, example_elements, start_of_file  # noqa: E402
+from measuring import program, seconds_for
+from small_file import CT_IMAGE, element, example_elements, start_of_file
 
 COUNTS = [5000, 20000]
 IMAGES, SERIES, STUDIES = 100, 10, 5  # in each series, study and patient
@@ -41,15 +37,13 @@ def write_image(folder, number):
     path.write_bytes(start_of_file() + b"".join(elements[tag] for tag in sorted(elements)))
 
 
-def seconds_for(command, written):
-    written.unlink(missing_ok=True)
-    begin = time.perf_counter()
-    subprocess.run(command, check=True, stdout=subprocess.DEVNULL)
-    return time.perf_counter() - begin
+def seconds_to_make(path, command):
+    path.unlink(missing_ok=True)
+    return seconds_for(command)
 
 
 def main():
-    program = os.environ.get("DIRECTORY_UPDATE", str(ROOT / "build" / "release" / "bin" / "directory_update"))
+    update = program("DIRECTORY_UPDATE", "bin/directory_update")
     for count in map(int, sys.argv[1:] or COUNTS):
         with tempfile.TemporaryDirectory() as name:
             folder = Path(name)
@@ -57,11 +51,11 @@ def main():
                 write_image(folder, number)
             os.sync()
             path = folder / "DICOMDIR"
-            commands = {"create": [program, "create", folder, "BENCH"],
+            commands = {"create": [update, "create", folder, "BENCH"],
                         "dcmmkdir": ["dcmmkdir", "--quiet", "--no-backup", "+r", "+id", folder, "+D", path]}
             best = {}
             for kind, command in commands.items():
-                best[kind] = min(seconds_for(command, path) for _ in range(RUNS))
+                best[kind] = min(seconds_to_make(path, command) for _ in range(RUNS))
                 print(f"{count} files  {kind:8} {best[kind] * 1000:8.1f} ms  {best[kind] / count * 1e6:6.1f} us "
                       f"a file  {best[kind] / best['create']:5.1f} times  {path.stat().st_size} bytes")
 

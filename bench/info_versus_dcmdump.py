@@ -8,31 +8,23 @@ dcmdump is dcmtk's. Both read every file and print to nowhere, in turn, several 
 counts. VANTOR names the program, build/release/bin/vantor unless set.
 """
 
-import os
 import shutil
-import subprocess
 import sys
 import tempfile
-import time
 from pathlib import Path
 
 import pydicom.data
+
+from measuring import program, seconds_for
 
 DEFAULT_NUMBER_OF_FILES = 5000
 RUNS = 5
 SMALL_FILE = "MR_small.dcm"
 
 
-def seconds_for(command):
-    start = time.perf_counter()
-    subprocess.run(command, check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-    return time.perf_counter() - start
-
-
 def main():
     number = int(sys.argv[1]) if len(sys.argv) > 1 else DEFAULT_NUMBER_OF_FILES
-    root = Path(__file__).resolve().parent.parent
-    vantor = os.environ.get("VANTOR", str(root / "build" / "release" / "bin" / "vantor"))
+    vantor = program("VANTOR", "bin/vantor")
     sample = pydicom.data.get_testdata_file(SMALL_FILE)
     with tempfile.TemporaryDirectory() as folder:
         files = [str(Path(folder) / f"{index:06}.dcm") for index in range(number)]

@@ -12,15 +12,11 @@ of directory_tree and vantor, build/release/bin unless set.
 import os
 import struct
 import subprocess
-import sys
 import tempfile
-import time
 from pathlib import Path
 
-ROOT = Path(__file__).resolve().parent.parent
-sys.path.insert(0, str(ROOT / "tests" / "interop"))
-
-from small_file import EXPLICIT, element, header, item, start_of_file  # noqa: E402
+from measuring import ROOT, seconds_for
+from small_file import EXPLICIT, element, header, item, start_of_file
 
 PATIENTS = [0, 1, 10, 100]
 SERIES, IMAGES = range(10), range(110)
@@ -72,12 +68,6 @@ def directory(patients):
     first = len(head) + len(offset((4, 0x1200), 0)) + SEQUENCE_HEAD
     items = encode(patients, first)
     return head + offset((4, 0x1200), first if items else 0) + header((4, 0x1220), "SQ", len(items)) + items
-
-
-def seconds_for(command):
-    begin = time.perf_counter()
-    subprocess.run(command, check=True, stdout=subprocess.DEVNULL)
-    return time.perf_counter() - begin
 
 
 def peak_of(command):

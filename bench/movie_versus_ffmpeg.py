@@ -12,27 +12,19 @@ set. TMPDIR says where.
 
 import os
 import statistics
-import subprocess
 import sys
 import tempfile
-import time
 from pathlib import Path
 
-ROOT = Path(__file__).resolve().parent.parent
+from measuring import measure, program
+
 VIEWS, WIDTH, HEIGHT = 4, 640, 480
 
 
-def measure(command, product):
-    """Seconds, and megabytes of memory."""
+def measure_making(product, command):
     product.unlink(missing_ok=True)
     os.sync()
-    begin = time.perf_counter()
-    process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
-    _, status, usage = os.wait4(process.pid, 0)
-    process.returncode = os.waitstatus_to_exitcode(status)
-    if process.returncode != 0:
-        sys.exit(f"{command}: failed")
-    return time.perf_counter() - begin, usage.ru_maxrss / 1024
+    return measure(command)
 
 
 def stack(source, frames, product):
@@ -46,7 +38,7 @@ def stack(source, frames, product):
 def main():
     given = [int(each) for each in sys.argv[1:]]
     frames, runs = [*given, *(200, 5)[len(given):]]
-    program = os.environ.get("MOVIE_EXPORT", str(ROOT / "build" / "release" / "bench" / "movie_export"))
+    export = program("MOVIE_EXPORT", "bench/movie_export")
     with tempfile.TemporaryDirectory() as name:
         folder = Path(name)
         source, movie, other, copy = (folder / each for each in ("loop.raw", "movie.avi", "other.avi", "copy.avi"))
@@ -55,13 +47,13 @@ def main():
             for _ in range(frames):
                 file.write(picture)
         size = [str(each) for each in (VIEWS, WIDTH, HEIGHT, frames)]
-        commands = {"vantor": ([program, str(movie), *size], movie),
+        commands = {"vantor": ([export, str(movie), *size], movie),
                     "ffmpeg": (stack(source, frames, other), other),
                     "cp": (["cp", "--reflink=never", str(movie), str(copy)], copy)}
         results = {kind: [] for kind in commands}
         for _ in range(runs):
             for kind, (command, product) in commands.items():
-                results[kind].append(measure(command, product))
+                results[kind].append(measure_making(product, command))
         megabytes = movie.stat().st_size / (1 << 20)
         medians = {kind: statistics.median(seconds for seconds, _ in own) for kind, own in results.items()}
         for kind, seconds in medians.items():

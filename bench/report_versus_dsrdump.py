@@ -17,10 +17,8 @@ import tempfile
 import time
 from pathlib import Path
 
-ROOT = Path(__file__).resolve().parent.parent
-sys.path.insert(0, str(ROOT / "tests" / "interop"))
-
-from small_file import element, item, start_of_file, undefined_item, undefined_sequence  # noqa: E402
+from measuring import program
+from small_file import element, item, start_of_file, undefined_item, undefined_sequence
 
 COMPREHENSIVE = "1.2.840.10008.5.1.4.1.1.88.33"
 MEASUREMENTS_IN_HEADING = 50
@@ -96,8 +94,8 @@ def milliseconds_of_dsrdump(path):
     return min(times)
 
 
-def milliseconds_of_ours(program, path):
-    run = subprocess.run([program, "--benchmark_filter=OpenReport", "--benchmark_format=json",
+def milliseconds_of_ours(bench, path):
+    run = subprocess.run([bench, "--benchmark_filter=OpenReport", "--benchmark_format=json",
                           f"--benchmark_repetitions={RUNS}"], env={**os.environ, "VANTOR_REPORT": str(path)},
                          check=True, capture_output=True)
     return min(each["real_time"] for each in json.loads(run.stdout)["benchmarks"] if each["run_type"] == "iteration")
@@ -105,7 +103,7 @@ def milliseconds_of_ours(program, path):
 
 def main():
     counts = [int(each) for each in sys.argv[1:]] or [1000, 10000, 100000]
-    program = os.environ.get("VANTOR_BENCH", str(ROOT / "build" / "release" / "bench" / "vantor_bench"))
+    bench = program("VANTOR_BENCH", "bench/vantor_bench")
     kinds = {"lengths": Report(False, False), "delimiters": Report(True, False), "deep": Report(False, True),
              "deep, delimiters": Report(True, True)}
     with tempfile.TemporaryDirectory() as folder:
@@ -113,7 +111,7 @@ def main():
         for count in counts:
             for kind, report in kinds.items():
                 report.write(path, count)
-                ours, theirs = milliseconds_of_ours(program, path), milliseconds_of_dsrdump(path)
+                ours, theirs = milliseconds_of_ours(bench, path), milliseconds_of_dsrdump(path)
                 print(f"{count:7} items  {kind:16} {ours:8.2f} ms  dsrdump {theirs:8.1f} ms  "
                       f"ratio {theirs / ours:6.1f}")
 

@@ -16,13 +16,10 @@ import struct
 import subprocess
 import sys
 import tempfile
-import time
 from pathlib import Path
 
-ROOT = Path(__file__).resolve().parent.parent
-sys.path.insert(0, str(ROOT / "tests" / "interop"))
-
-from small_file import CT_IMAGE, element, example_elements, start_of_file  # noqa: E402
+from measuring import measure, program
+from small_file import CT_IMAGE, element, example_elements, start_of_file
 
 MEGABYTE = 1 << 20
 FRAMES = 100
@@ -38,39 +35,28 @@ def write_loop(path, megabytes):
             file.write(os.urandom(MEGABYTE))
 
 
-def measure(command):
-    """Seconds, and megabytes of memory."""
-    os.sync()
-    begin = time.perf_counter()
-    process = subprocess.Popen(command, stdout=subprocess.DEVNULL)
-    _, status, usage = os.wait4(process.pid, 0)
-    process.returncode = os.waitstatus_to_exitcode(status)
-    if process.returncode != 0:
-        sys.exit(f"{command}: failed")
-    return time.perf_counter() - begin, usage.ru_maxrss / 1024
-
-
 def main():
     given = [int(each) for each in sys.argv[1:]]
     size, runs = [*given, *(1024, 5)[len(given):]]
-    program = os.environ.get("VANTOR", str(ROOT / "build" / "release" / "bin" / "vantor"))
+    vantor = program("VANTOR", "bin/vantor")
     with tempfile.TemporaryDirectory() as name:
         source, target, copy = Path(name, "SOURCE"), Path(name, "TARGET"), Path(name, "COPY")
         source.mkdir()
         write_loop(source / "I1", size)
-        subprocess.run([program, "create", source], check=True)
+        subprocess.run([vantor, "create", source], check=True)
         series = ["--series", "1.2.3.6"]
         commands = {"cp": ["cp", "--reflink=never", source / "I1", copy],
                     "cp, sync": ["sh", "-c", 'cp --reflink=never "$1" "$2" && sync "$2"', "sh", source / "I1", copy],
-                    "save": [program, "save", source, *series],
-                    "save-as": [program, "save-as", source, *series, "--to", target, "--anonymous", "--new-study"]}
+                    "save": [vantor, "save", source, *series],
+                    "save-as": [vantor, "save-as", source, *series, "--to", target, "--anonymous", "--new-study"]}
         results = {kind: [] for kind in commands}
         for _ in range(runs):
             for kind, command in commands.items():
                 copy.unlink(missing_ok=True)
                 shutil.rmtree(target, ignore_errors=True)
                 target.mkdir()
-                subprocess.run([program, "create", target], check=True, stdout=subprocess.DEVNULL)
+                subprocess.run([vantor, "create", target], check=True, stdout=subprocess.DEVNULL)
+                os.sync()
                 results[kind].append(measure(command))
         medians = {kind: statistics.median(seconds for seconds, _ in own) for kind, own in results.items()}
         for kind, seconds in medians.items():

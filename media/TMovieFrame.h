@@ -21,8 +21,9 @@ class TMovieFrame {
     // out; so are rows that the bitmap does not have.
     void Draw(const TDeviceBitmap& bitmap, int64_t left, int64_t top);
 
-    const uint8_t* GetPixels() const { return fPixels.data(); }
-    size_t GetSize() const { return fPixels.size(); }
+    // May be exchanged for others of the same number: the picture is painted anew then.
+    std::vector<uint8_t>& GetPixels() { return fPixels; }
+    const std::vector<uint8_t>& GetPixels() const { return fPixels; }
 
   private:
     int32_t fWidth;

@@ -53,8 +53,10 @@ class VideoFile {
 
     // Appends a frame, of VideoStream::GetFrameSize bytes, as one that can be shown without others. False
     // when it cannot be compressed or written, or the file would become larger than kLargestMovieFile: the
-    // file ends then with the frame before, and takes no more.
-    virtual bool WriteFrame(const uint8_t* pixels) = 0;
+    // file ends then with the frame before, and takes no more. The bytes are taken: what `pixels` has
+    // afterwards has the same size and means nothing, so that a port can write a frame while the caller makes
+    // the next one. That it could not be written is then told with the next one, and by Finish.
+    virtual bool WriteFrame(std::vector<uint8_t>& pixels) = 0;
 
     // Completes and closes the file, and gives the number of frames that it has. This may be fewer than were
     // written when the medium has no room for the last things that a file needs. A negative number when the

@@ -1,5 +1,7 @@
 #include "platform/VideoFile.h"
 
+#include <exception>
+#include <future>
 #include <utility>
 
 #include "platform/AviWriter.h"
@@ -11,7 +13,8 @@ namespace Vantor::Platform {
 
 namespace {
 
-// Written by the library itself; the host brings the compressors.
+// Written by the library itself; the host brings the compressors. A frame is written while the caller makes
+// the next one, and no other thread touches the writer meanwhile.
 class WrittenVideoFile final : public VideoFile {
   public:
     WrittenVideoFile(std::unique_ptr<File> file, const VideoStream& stream)
@@ -23,29 +26,50 @@ class WrittenVideoFile final : public VideoFile {
         return fTakesFrames;
     }
 
-    bool WriteFrame(const uint8_t* pixels) override {
-        fTakesFrames = fTakesFrames && Append(pixels);
+    bool WriteFrame(std::vector<uint8_t>& pixels) override {
+        fTakesFrames = fTakesFrames && Encode(pixels) && IsWritten();
+        if (fTakesFrames) StartWriting();
         return fTakesFrames;
     }
 
-    int32_t Finish() override { return fWriter.Finish(); }
+    int32_t Finish() override {
+        if (fWriting.valid()) fWriting.wait();
+        fTakesFrames = false;
+        return fWriter.Finish();
+    }
 
   private:
-    bool Append(const uint8_t* pixels) {
+    // Puts what the file is to have into fEncoded. An empty frame would stand for the one before.
+    bool Encode(std::vector<uint8_t>& pixels) {
         if (fStream.fHandler == kUncompressedHandler) {
-            return fWriter.WriteFrame(pixels, fStream.GetFrameSize());
+            fEncoded.resize(pixels.size());
+            fEncoded.swap(pixels);
+            return true;
         }
-        // An empty frame would stand for the one before.
-        fCompressed.clear();
-        return fCompress(pixels, fCompressed) && !fCompressed.empty() &&
-               fWriter.WriteFrame(fCompressed.data(), fCompressed.size());
+        fEncoded.clear();
+        return fCompress(pixels.data(), fEncoded) && !fEncoded.empty();
+    }
+
+    // Waits for the frame before.
+    bool IsWritten() { return !fWriting.valid() || fWriting.get(); }
+
+    void StartWriting() {
+        std::swap(fEncoded, fBeingWritten);
+        const auto write = [this] { return fWriter.WriteFrame(fBeingWritten.data(), fBeingWritten.size()); };
+        try {
+            fWriting = std::async(std::launch::async, write);
+        } catch (const std::exception&) {  // there is no thread to be had
+            fTakesFrames = write();
+        }
     }
 
     VideoStream fStream;
     AviWriter fWriter;
     FrameCompressor fCompress;
-    std::vector<uint8_t> fCompressed;  // of the last frame; its room is used again
+    std::vector<uint8_t> fEncoded;  // the room of both is used again
+    std::vector<uint8_t> fBeingWritten;
     bool fTakesFrames = false;
+    std::future<bool> fWriting;  // goes first: it waits for the thread
 };
 
 }  // namespace

@@ -150,8 +150,8 @@ class SystemVideoFile final : public VideoFile {
         return fTakesFrames;
     }
 
-    bool WriteFrame(const uint8_t* pixels) override {
-        fTakesFrames = fTakesFrames && HasRoom() && Append(pixels);
+    bool WriteFrame(std::vector<uint8_t>& pixels) override {
+        fTakesFrames = fTakesFrames && HasRoom() && Append(pixels.data());
         return fTakesFrames;
     }
 

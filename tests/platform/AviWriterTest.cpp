@@ -12,7 +12,9 @@ namespace {
 
 using VantorTest::AviMovie;
 using VantorTest::Bytes;
+using VantorTest::ExpectHeaders;
 using VantorTest::ReadAvi;
+using VantorTest::SmallStream;
 
 constexpr uint32_t kHandler = FourCharacterCode('T', 'E', 'S', 'T');
 constexpr int64_t kHeaders = 224;
@@ -52,22 +54,10 @@ class MediumFile : public File {
     int64_t fPosition = 0;
 };
 
-VideoStream SmallStream(uint32_t handler = kUncompressedHandler) {
-    VideoStream stream;
-    stream.fHandler = handler;
-    stream.fRate = 25;
-    stream.fLength = 99;
-    stream.fQuality = 7500;
-    stream.fWidth = 5;
-    stream.fHeight = 3;
-    stream.fImageSize = 45;
-    return stream;
-}
-
 Bytes FrameOf(size_t number, size_t size) { return Bytes(size, static_cast<uint8_t>(number + 1)); }
 
 AviWriter MakeWriter(Medium& medium, int64_t largest = kLargestMovieFile) {
-    return {std::make_unique<MediumFile>(medium), SmallStream(), largest};
+    return {std::make_unique<MediumFile>(medium), SmallStream(kUncompressedHandler), largest};
 }
 
 bool WriteFrame(AviWriter& writer, const Bytes& frame) {
@@ -80,35 +70,23 @@ TEST(AviWriter, WritesTheHeadersAndAnIndex) {
     Medium medium;
     {
         AviWriter writer = MakeWriter(medium);
-        for (size_t frame = 0; frame < 3; ++frame) EXPECT_TRUE(WriteFrame(writer, FrameOf(frame, 48)));
-        EXPECT_EQ(writer.Finish(), 3);
+        for (size_t frame = 0; frame < 2; ++frame) EXPECT_TRUE(WriteFrame(writer, FrameOf(frame, 48)));
+        EXPECT_EQ(writer.Finish(), 2);
         EXPECT_TRUE(medium.fIsClosed);
-        EXPECT_EQ(writer.Finish(), 3);
+        EXPECT_EQ(writer.Finish(), 2);
         EXPECT_FALSE(WriteFrame(writer, FrameOf(3, 48)));
     }
     const AviMovie movie = ReadAvi(medium.fBytes);
+    ExpectHeaders(movie, SmallStream(kUncompressedHandler));
     EXPECT_EQ(movie.fMicrosecondsPerFrame, 40000U);
     EXPECT_EQ(movie.fFlags, 0x10U);
     EXPECT_EQ(movie.fStreams, 1U);
-    EXPECT_EQ(movie.fType, "vids");
-    EXPECT_EQ(movie.fHandler, kUncompressedHandler);
-    EXPECT_EQ(movie.fScale, 1U);
-    EXPECT_EQ(movie.fRate, 25U);
-    EXPECT_EQ(movie.fLength, 3U) << "what there is, not what was to be";
-    EXPECT_EQ(movie.fQuality, 7500U);
     EXPECT_EQ(movie.fRectangle, std::vector<int>({0, 0, 5, 3}));
     EXPECT_EQ(movie.fFormatSize, 40U);
-    EXPECT_EQ(movie.fWidth, 5);
-    EXPECT_EQ(movie.fHeight, 3);
     EXPECT_EQ(movie.fPlanes, 1U);
-    EXPECT_EQ(movie.fBits, 24U);
-    EXPECT_EQ(movie.fCompression, 0U);
-    EXPECT_EQ(movie.fImageSize, 45U);
-    EXPECT_EQ(movie.fPixelsPerMeter, std::vector<uint32_t>({2835, 2835}));
     EXPECT_EQ(movie.fColorsUsed, 0U);
-    EXPECT_EQ(movie.fFrames, std::vector<Bytes>({FrameOf(0, 48), FrameOf(1, 48), FrameOf(2, 48)}));
+    EXPECT_EQ(movie.fFrames, std::vector<Bytes>({FrameOf(0, 48), FrameOf(1, 48)}));
     EXPECT_TRUE(movie.fHasIndex);
-    EXPECT_EQ(movie.fKeyFrames, 3U);
     EXPECT_EQ(movie.fBehind, 0U);
     EXPECT_EQ(std::string(medium.fBytes.begin() + 224, medium.fBytes.begin() + 228), "00db");
 }
@@ -125,8 +103,7 @@ TEST(AviWriter, FillsUpCompressedFramesOfOddSizes) {
     }
     const AviMovie movie = ReadAvi(medium.fBytes);
     EXPECT_EQ(movie.fFrames, frames);
-    EXPECT_EQ(movie.fHandler, kHandler);
-    EXPECT_EQ(movie.fCompression, kHandler);
+    ExpectHeaders(movie, SmallStream(kHandler));
     EXPECT_EQ(std::string(medium.fBytes.begin() + 224, medium.fBytes.begin() + 228), "00dc");
 }
 

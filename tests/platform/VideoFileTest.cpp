@@ -5,6 +5,7 @@
 #include "platform/VideoCompression.h"
 #include "tests/support/AviReader.h"
 #include "tests/support/FileSupport.h"
+#include "tests/support/MediumFaults.h"
 
 namespace Vantor::Platform {
 
@@ -12,27 +13,26 @@ namespace {
 
 using VantorTest::AviMovie;
 using VantorTest::Bytes;
+using VantorTest::ExpectHeaders;
+using VantorTest::kIsWindows;
 using VantorTest::ReadAviFile;
+using VantorTest::SmallStream;
 
 constexpr uint32_t kNobodysHandler = FourCharacterCode('?', 'n', 'o', '!');
-
-VideoStream SmallStream(uint32_t handler) {
-    VideoStream stream;
-    stream.fHandler = handler;
-    stream.fRate = 30;
-    stream.fLength = 3;
-    stream.fQuality = 5000;
-    stream.fWidth = 5;
-    stream.fHeight = 3;
-    stream.fImageSize = 45;
-    return stream;
-}
 
 Bytes FrameOf(size_t number) {
     Bytes frame(SmallStream(0).GetFrameSize());
     for (size_t place = 0; place < frame.size(); ++place)
         frame[place] = static_cast<uint8_t>(number * 50 + place);
     return frame;
+}
+
+bool Write(VideoFile& file, size_t number) {
+    Bytes frame = FrameOf(number);
+    const size_t size = frame.size();
+    const bool isTaken = file.WriteFrame(frame);
+    EXPECT_EQ(frame.size(), size);
+    return isTaken;
 }
 
 }  // namespace
@@ -47,25 +47,38 @@ TEST_F(VideoFileTest, HoldsTheFramesThatWereWritten) {
     {
         const auto file = VideoFile::Create(path, SmallStream(kUncompressedHandler));
         ASSERT_TRUE(file->StartFrames(nullptr));
-        for (size_t frame = 0; frame < 3; ++frame) EXPECT_TRUE(file->WriteFrame(FrameOf(frame).data()));
+        for (size_t frame = 0; frame < 3; ++frame) EXPECT_TRUE(Write(*file, frame));
         EXPECT_EQ(file->Finish(), 3);
-        EXPECT_FALSE(file->WriteFrame(FrameOf(0).data()));
+        EXPECT_FALSE(Write(*file, 0));
         EXPECT_EQ(file->Finish(), 3);
     }
     const AviMovie movie = ReadAviFile(path);
     EXPECT_EQ(movie.fFrames, std::vector<Bytes>({FrameOf(0), FrameOf(1), FrameOf(2)}));
-    EXPECT_EQ(movie.fHandler, kUncompressedHandler);
-    EXPECT_EQ(movie.fType, "vids");
-    EXPECT_EQ(movie.fScale, 1U);
-    EXPECT_EQ(movie.fRate, 30U);
-    EXPECT_EQ(movie.fQuality, 5000U);
-    EXPECT_EQ(movie.fWidth, 5);
-    EXPECT_EQ(movie.fHeight, 3);
-    EXPECT_EQ(movie.fBits, 24U);
-    EXPECT_EQ(movie.fCompression, 0U);
-    EXPECT_EQ(movie.fImageSize, 45U);
-    EXPECT_EQ(movie.fPixelsPerMeter, std::vector<uint32_t>({2835, 2835}));
-    EXPECT_EQ(movie.fKeyFrames, 3U);
+    ExpectHeaders(movie, SmallStream(kUncompressedHandler));
+}
+
+// A frame may be written while the next one is made. That this failed is told with that one at the latest,
+// and Finish counts the frames that are there.
+TEST_F(VideoFileTest, TellsWhenAFrameCannotBeWritten) {
+    if (kIsWindows) GTEST_SKIP() << "the system writes the file";
+    constexpr size_t kFrames = 5;
+    for (size_t step = 0; step < 2 * kFrames; ++step) {
+        SCOPED_TRACE(step);
+        const std::string path = fFolder.PathOf("MOVIE" + std::to_string(step) + ".AVI");
+        const auto file = VideoFile::Create(path, SmallStream(kUncompressedHandler));
+        ASSERT_TRUE(file->StartFrames(nullptr));
+        size_t taken = 0;
+        {
+            using VantorTest::MediumFaults;
+            const MediumFaults faults = MediumFaults::RefuseOne(step, MediumFaults::Cause::kDiskFull);
+            while (taken < kFrames && Write(*file, taken)) ++taken;
+            EXPECT_TRUE(taken < kFrames || !Write(*file, taken)) << "also of the last one";
+        }
+        const auto written = static_cast<size_t>(file->Finish());
+        EXPECT_EQ(written, step / 2) << "each is a header and its pixels";
+        EXPECT_LE(taken, written + 1);
+        EXPECT_EQ(ReadAviFile(path).fFrames.size(), written);
+    }
 }
 
 TEST_F(VideoFileTest, IsFinishedWhenItGoes) {
@@ -73,16 +86,16 @@ TEST_F(VideoFileTest, IsFinishedWhenItGoes) {
     {
         const auto file = VideoFile::Create(path, SmallStream(kUncompressedHandler));
         ASSERT_TRUE(file->StartFrames(nullptr));
-        EXPECT_TRUE(file->WriteFrame(FrameOf(1).data()));
+        EXPECT_TRUE(Write(*file, 1));
     }
     EXPECT_EQ(ReadAviFile(path).fFrames, std::vector<Bytes>({FrameOf(1)}));
 }
 
 TEST_F(VideoFileTest, TakesNoFramesWithoutACompressor) {
     const auto file = VideoFile::Create(fFolder.PathOf("MOVIE.AVI"), SmallStream(kNobodysHandler));
-    EXPECT_FALSE(file->WriteFrame(FrameOf(0).data())) << "not begun";
+    EXPECT_FALSE(Write(*file, 0)) << "not begun";
     EXPECT_FALSE(file->StartFrames(nullptr));
-    EXPECT_FALSE(file->WriteFrame(FrameOf(0).data()));
+    EXPECT_FALSE(Write(*file, 0));
     EXPECT_EQ(file->Finish(), 0);
 }
 
@@ -97,14 +110,14 @@ TEST_F(VideoFileTest, UsesTheHostsCompressorWhereTheSystemHasNone) {
         return true;
     };
     ASSERT_TRUE(file->StartFrames(compress));
-    for (size_t frame = 0; frame < 3; ++frame) EXPECT_TRUE(file->WriteFrame(FrameOf(frame).data()));
-    EXPECT_FALSE(file->WriteFrame(FrameOf(3).data())) << "an empty frame is none";
-    EXPECT_FALSE(file->WriteFrame(FrameOf(4).data()));
+    for (size_t frame = 0; frame < 3; ++frame) EXPECT_TRUE(Write(*file, frame));
+    EXPECT_FALSE(Write(*file, 3)) << "an empty frame is none";
+    EXPECT_FALSE(Write(*file, 4));
     EXPECT_EQ(calls, 4U);
     EXPECT_EQ(file->Finish(), 3);
     const AviMovie movie = ReadAviFile(path);
     EXPECT_EQ(movie.fFrames, std::vector<Bytes>({Bytes({0}), Bytes({50, 51}), Bytes({100, 101, 102})}));
-    EXPECT_EQ(movie.fCompression, kNobodysHandler);
+    ExpectHeaders(movie, SmallStream(kNobodysHandler));
 }
 
 TEST_F(VideoFileTest, CannotBeMadeInAFolderThatIsNotThere) {
@@ -124,7 +137,7 @@ TEST_F(VideoFileTest, LeavesAFileAloneThatSomebodyHolds) {
 
 TEST(VideoCompression, DescribesWhatTheSystemHas) {
     const auto compressors = ListSystemCompressors();
-    ASSERT_EQ(compressors.has_value(), VantorTest::kIsWindows);
+    ASSERT_EQ(compressors.has_value(), kIsWindows);
     EXPECT_EQ(DescribeSystemCompressor(kNobodysHandler).value_or(L""), L"");
     EXPECT_EQ(DescribeSystemCompressor(0).value_or(L""), L"") << "not just any";
     if (!compressors) return;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/VideoCompression.h"
+
 namespace VantorTest {
 
 namespace {
@@ -162,5 +164,33 @@ AviMovie ReadAvi(const Bytes& file) {
 }
 
 AviMovie ReadAviFile(const std::string& path) { return ReadAvi(ReadWholeFile(path)); }
+
+Vantor::Platform::VideoStream SmallStream(uint32_t handler) {
+    Vantor::Platform::VideoStream stream;
+    stream.fHandler = handler;
+    stream.fRate = 25;
+    stream.fLength = 3;
+    stream.fQuality = 7500;
+    stream.fWidth = 5;
+    stream.fHeight = 3;
+    stream.fImageSize = 45;
+    return stream;
+}
+
+void ExpectHeaders(const AviMovie& movie, const Vantor::Platform::VideoStream& stream) {
+    const bool isCompressed = stream.fHandler != Vantor::Platform::kUncompressedHandler;
+    EXPECT_EQ(movie.fType, "vids");
+    EXPECT_EQ(movie.fHandler, stream.fHandler);
+    EXPECT_EQ(movie.fScale, 1U);
+    EXPECT_EQ(movie.fRate, stream.fRate);
+    EXPECT_EQ(movie.fQuality, stream.fQuality);
+    EXPECT_EQ(movie.fWidth, stream.fWidth);
+    EXPECT_EQ(movie.fHeight, stream.fHeight);
+    EXPECT_EQ(movie.fBits, 24U);
+    EXPECT_EQ(movie.fCompression, isCompressed ? stream.fHandler : 0U);
+    EXPECT_EQ(movie.fImageSize, stream.fImageSize);
+    EXPECT_EQ(movie.fPixelsPerMeter, std::vector<uint32_t>({2835, 2835}));
+    EXPECT_EQ(movie.fKeyFrames, movie.fFrames.size());
+}
 
 }  // namespace VantorTest

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/VideoFile.h"
 #include "tests/support/TestFolder.h"
 
 namespace VantorTest {
@@ -55,5 +56,11 @@ AviMovie ParseAvi(const Bytes& file);
 // The same; a fault fails the test.
 AviMovie ReadAvi(const Bytes& file);
 AviMovie ReadAviFile(const std::string& path);
+
+// A stream of three small frames, whose rows are filled up.
+Vantor::Platform::VideoStream SmallStream(uint32_t handler);
+
+// Expects of the headers what every movie has, and what the stream is.
+void ExpectHeaders(const AviMovie& movie, const Vantor::Platform::VideoStream& stream);
 
 }  // namespace VantorTest
