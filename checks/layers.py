@@ -135,13 +135,16 @@ def is_support(path):
 
 
 def may_use_test_code(path, target):
-    """Tests use what tests of their own folder and of lower ones have; fuzz targets and benchmarks use all."""
+    """Tests use what tests of their own folder and of lower ones have, the program's those of the whole library; fuzz
+    targets and benchmarks use all."""
     top, folder = place(path)
     if top in ("fuzz", "bench") or (top == "tests" and is_support(target)):
         return True
     if top != "tests":
         return False
     target_folder = place(target)[1]
+    if target_folder in LIBRARY and folder == PROGRAM:
+        return True
     if folder in LIBRARY and target_folder in LIBRARY:
         return LIBRARY.index(target_folder) <= LIBRARY.index(folder)
     return folder == target_folder

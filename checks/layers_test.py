@@ -38,6 +38,7 @@ GOOD = {
     "a test with its folder and support": (
         "tests/dicom/A.cpp", '#include <gtest/gtest.h>\n#include "dicom/TFile.h"\n#include "tests/support/Folder.h"'),
     "a test with test code of a lower folder": ("tests/wrappers/A.cpp", '#include "tests/dicom/Builder.h"'),
+    "a test of the program with test code of the library": ("tests/cli/A.cpp", '#include "tests/dicom/Builder.h"'),
     "a fuzz target with test code": ("fuzz/A.cpp", '#include "tests/dicom/Builder.h"'),
     "words in comments and texts": (
         "dicom/A.cpp", '// _WIN32 "\nauto a = "__linux__ //"; /* <unistd.h>\n#include <unistd.h> */ int b = 1\'000;'),

@@ -85,7 +85,7 @@ ExitStatus CreateCommand::Run(Console& console) {
     const HostString name = fName.empty() ? FileSetNameOf(folder) : Vantor::Platform::ToHostText(fName);
 
     Directories directories;
-    EnteredFiles files(*directories.Create(folder, name), content.fFiles, console);
+    EnteredFiles files(*directories.Prepare(folder, name), content.fFiles, console);
     for (const std::filesystem::path& unreadable : content.fUnreadable) {
         files.AddSkipped(ToHostText(unreadable), "this folder cannot be read");
     }

@@ -46,6 +46,7 @@ CLI::App* DeleteCommand::AddTo(CLI::App& program) {
 ExitStatus DeleteCommand::Run(Console& console) {
     Directories directories;
     const auto directory = directories.Open(fPath);
+    RequireWhole(*directory);
     const auto series = ChooseSeries(*directory, fSeries, console);
     if (!series) return ExitStatus::kFailed;
     ExitStatus status = ExitStatus::kDone;

@@ -33,15 +33,29 @@ std::shared_ptr<DicomDirectory> Directories::Open(const std::string& path) {
 std::shared_ptr<DicomDirectory> Directories::OpenDicomdir(const std::string& path, const char* advice) {
     auto directory = OpenAny(path);
     if (!HasDicomdir(*directory)) throw CommandError(ToPrintable(path) + ": no DICOMDIR is here; " + advice);
+    RequireWhole(*directory);
     return directory;
 }
 
 std::shared_ptr<DicomDirectory> Directories::Create(const std::filesystem::path& folder,
                                                     const HostString& fileSetName) {
+    return Make(folder, [&](const HostString& path) {
+        return fManager->CreateOrReplaceDirectory(path, fileSetName, true);
+    });
+}
+
+std::shared_ptr<DicomDirectory> Directories::Prepare(const std::filesystem::path& folder,
+                                                     const HostString& fileSetName) {
+    return Make(folder,
+                [&](const HostString& path) { return fManager->PrepareDirectory(path, fileSetName); });
+}
+
+template <typename Maker>
+std::shared_ptr<DicomDirectory> Directories::Make(const std::filesystem::path& folder, Maker maker) {
     const HostString path = ToHostText(folder / kDicomdirName);
     std::shared_ptr<DicomDirectory> directory;
     try {
-        directory = fManager->CreateOrReplaceDirectory(path, fileSetName, true);
+        directory = maker(path);
     } catch (const CommandError&) {
         // Told below: what could not be made was not found damaged.
     }
@@ -49,6 +63,16 @@ std::shared_ptr<DicomDirectory> Directories::Create(const std::filesystem::path&
         throw CommandError(ToPrintable(path) + ": cannot be written");
     }
     return directory;
+}
+
+std::string FindLoss(const DicomDirectory& directory) {
+    if (!directory.HasLostRecords()) return {};
+    return ToPrintable(directory.GetFullPath()) +
+           ": damaged, records are missing; vantor create --force makes it anew";
+}
+
+void RequireWhole(const DicomDirectory& directory) {
+    if (const std::string loss = FindLoss(directory); !loss.empty()) throw CommandError(loss);
 }
 
 bool HasDicomdir(const DicomDirectory& directory) { return !directory.IsFolder() || directory.HasDICOMDIR(); }

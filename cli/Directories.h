@@ -29,18 +29,31 @@ class Directories {
     // there must be one.
     std::shared_ptr<DicomDirectory> Open(const std::string& path);
 
-    // A DICOMDIR, or the one in a folder. `advice` tells how to make one.
+    // A whole DICOMDIR, or the one in a folder. `advice` tells how to make one.
     std::shared_ptr<DicomDirectory> OpenDicomdir(const std::string& path, const char* advice);
 
     // A new, empty DICOMDIR in a folder that exists, in place of one that may be there.
     std::shared_ptr<DicomDirectory> Create(const std::filesystem::path& folder,
                                            const HostString& fileSetName);
 
+    // The same, which is not written before it is saved; what is there stays until then.
+    std::shared_ptr<DicomDirectory> Prepare(const std::filesystem::path& folder,
+                                            const HostString& fileSetName);
+
   private:
+    template <typename Maker>
+    std::shared_ptr<DicomDirectory> Make(const std::filesystem::path& folder, Maker maker);
     std::shared_ptr<DicomDirectory> OpenAny(const std::string& path);
 
     std::unique_ptr<DirectoriesMgr> fManager;
 };
+
+// What to tell of a DICOMDIR that has lost records, as one that was cut short; empty for a whole one, and for
+// a folder without.
+std::string FindLoss(const DicomDirectory& directory);
+
+// Ends the command, which would give up what is lost, or pass by it, when the DICOMDIR has lost records.
+void RequireWhole(const DicomDirectory& directory);
 
 // True when the records are those of a DICOMDIR, also for one that was found in a folder.
 bool HasDicomdir(const DicomDirectory& directory);

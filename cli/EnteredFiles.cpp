@@ -56,7 +56,7 @@ EnteredFiles::EnteredFiles(VantorWrappers::DicomDirectory& directory,
         }
         progress.SetDone(++done);
     }
-    if (fEntered.empty()) {
+    if (fEntered.empty() && !directory.IsUnwritten()) {
         directory.CloseFile();
         return;
     }

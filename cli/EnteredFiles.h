@@ -21,8 +21,8 @@ class EnteredFiles {
         std::string fReason;  // UTF-8 that is fit to be printed
     };
 
-    // Enters files in one update; their paths are full ones. Nothing is written when none can be entered.
-    // Throws CommandError when the DICOMDIR cannot be opened or written.
+    // Enters files in one update; their paths are full ones. Nothing is written when none can be entered,
+    // unless the DICOMDIR is a new one. Throws CommandError when the DICOMDIR cannot be opened or written.
     EnteredFiles(VantorWrappers::DicomDirectory& directory, const std::vector<std::filesystem::path>& files,
                  Console& console);
 

@@ -32,6 +32,7 @@ CLI::App* SaveCommand::AddTo(CLI::App& program) {
 ExitStatus SaveCommand::Run(Console& console) {
     Directories directories;
     const auto directory = directories.Open(fPath);
+    RequireWhole(*directory);
     SeriesSaving saving(*directory, fSeries, console);
     VantorWrappers::SaveInfo info;
     info.SetAssignNewUIDsFlag(fHasNewUIDs);

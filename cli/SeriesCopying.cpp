@@ -5,6 +5,7 @@
 
 #include "cli/CommandError.h"
 #include "cli/Console.h"
+#include "cli/Directories.h"
 #include "cli/Failure.h"
 #include "cli/Json.h"
 #include "cli/Progress.h"
@@ -103,6 +104,7 @@ void SeriesCopying::AddOptions(CLI::App& app) {
 
 std::optional<std::vector<SeriesDirRec>> SeriesCopying::Choose(const DicomDirectory& source,
                                                                Console& console) const {
+    if (fIsAll) RequireWhole(source);
     auto series = fIsAll ? source.GetSeriesList() : ChooseSeries(source, fSeries, console);
     if (series && series->empty()) {
         throw CommandError(ToPrintable(source.GetFullPath()) + ": no series to be copied");

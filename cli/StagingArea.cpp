@@ -49,6 +49,7 @@ std::shared_ptr<DicomDirectory> OpenStagingArea(DirectoriesMgr& manager) {
     if (staging == nullptr) throw CommandError(ToPrintable(area) + ": the staging area cannot be opened");
     // A folder takes a DICOMDIR that is damaged for an empty one, and what was staged would be lost for that.
     if (HasDicomdir(*staging) && staging->GetSeriesList().empty()) RequireReadable(staging->GetFullPath());
+    RequireWhole(*staging);
     return staging;
 }
 

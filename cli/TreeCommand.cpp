@@ -33,7 +33,10 @@ ExitStatus TreeCommand::Run(Console& console) {
     } else {
         TreeText(*directory, console).Print();
     }
-    return ExitStatus::kDone;
+    const std::string loss = FindLoss(*directory);
+    if (loss.empty()) return ExitStatus::kDone;
+    console.Report(loss);
+    return ExitStatus::kFailed;
 }
 
 }  // namespace VantorCli

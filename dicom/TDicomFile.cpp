@@ -263,6 +263,15 @@ void TDicomFile::InitNewFile(uintptr_t owner, const TFileSpec& fileSpec, uintptr
                              std::unique_ptr<TDicomDataSet> dataSet, const char* sopClassUID,
                              const char* sopInstanceUID, const char* transferSyntaxUID,
                              const char* implementationClassUID, bool isBigEndian) {
+    InitUnwrittenFile(owner, fileSpec, context, std::move(dataSet), sopClassUID, sopInstanceUID,
+                      transferSyntaxUID, implementationClassUID, isBigEndian);
+    CreateFileAt(fFileSpec)->Close();
+}
+
+void TDicomFile::InitUnwrittenFile(uintptr_t owner, const TFileSpec& fileSpec, uintptr_t context,
+                                   std::unique_ptr<TDicomDataSet> dataSet, const char* sopClassUID,
+                                   const char* sopInstanceUID, const char* transferSyntaxUID,
+                                   const char* implementationClassUID, bool isBigEndian) {
     Reset();
     fOwner = owner;
     fContext = context;
@@ -270,7 +279,6 @@ void TDicomFile::InitNewFile(uintptr_t owner, const TFileSpec& fileSpec, uintptr
     fSOPClassUID.Set(sopClassUID);
     fSOPInstanceUID.Set(sopInstanceUID);
     fTransferSyntaxUID.Set(transferSyntaxUID);
-    CreateFileAt(fFileSpec)->Close();
     if (dataSet == nullptr) {
         dataSet = std::make_unique<TDicomDataSet>(true, isBigEndian, kNewDataSetSize, kNewDataSetSize,
                                                   kNewDataSetRoom, fContext);
@@ -552,8 +560,8 @@ void TDicomFile::EndCopy(const TFileSpec* destination) {
 
 void TDicomFile::CommitCopy(const TFileSpec& destination) {
     try {
-        // The old content goes away with this commit, so the new one has to be on the medium by then.
-        if (fIsCopyTemporary) fCopyFile->Flush();
+        // The copy is what counts from now on, and the old content may go away.
+        fCopyFile->Flush();
         fCopyFile->Close();
         if (fIsCopyTemporary) PutCopyInPlace(destination);
     } catch (...) {

@@ -106,7 +106,9 @@ class TDicomFile : public TIODSource {
     void WriteNext(const void* bytes, size_t count) { WriteBytes(OpenedFile(), bytes, count); }
 
     // Hands what was written to the open file to the medium; returns when it is there. Throws FileException.
+    // StartFlush has the system begin with it, and does not wait.
     void Flush() { OpenedFile().Flush(); }
+    void StartFlush() { OpenedFile().StartFlush(); }
 
     // Sets the transfer syntax flags of the main data set and creates or empties the file at the path.
     void CreateEmptyFile(bool isExplicit, bool isBigEndian);
@@ -177,6 +179,12 @@ class TDicomFile : public TIODSource {
     // The meta information of a new file with this object's SOP class and instance.
     std::unique_ptr<TDicomDataSet> MakeMetaDataSet(const char* transferSyntaxUID,
                                                    const char* implementationClassUID) const;
+
+    // As InitNewFile, for a file that is put in its place when it is written: none is created or emptied.
+    void InitUnwrittenFile(uintptr_t owner, const TFileSpec& fileSpec, uintptr_t context,
+                           std::unique_ptr<TDicomDataSet> dataSet, const char* sopClassUID,
+                           const char* sopInstanceUID, const char* transferSyntaxUID,
+                           const char* implementationClassUID, bool isBigEndian);
 
     // As GetHeaderSize, with this meta information.
     static int64_t GetHeaderSizeWith(const TDicomDataSet& meta);

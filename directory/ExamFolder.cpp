@@ -1,6 +1,7 @@
 #include "directory/ExamFolder.h"
 
 #include "dicom/TDicomDataSet.h"
+#include "platform/PathStyle.h"
 #include "records/TDicomDoc.h"
 
 namespace Vantor::ExamFolder {
@@ -34,9 +35,6 @@ void WritePath(TDicomDataSet& record, std::string_view path) {
     record.PutElement(Tags::kExamFolder, Vr::kST, length, path.data(), length);
 }
 
-bool IsPlainName(std::string_view name) {
-    return !name.empty() && name.back() != '.' && name.back() != ' ' &&
-           name.find_first_of("\\/:*?\"<>|") == std::string_view::npos;
-}
+bool IsPlainName(std::string_view name) { return Platform::WindowsPathStyle().IsPlainName(name); }
 
 }  // namespace Vantor::ExamFolder

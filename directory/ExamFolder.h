@@ -21,8 +21,7 @@ std::optional<std::string> ReadName(const TDicomDataSet& record);
 
 void WritePath(TDicomDataSet& record, std::string_view path);
 
-// True for the name of one folder. Windows takes names of dots, and names that end in dots or blanks, for
-// others.
+// True for the name of one folder on every system that the medium may come to.
 bool IsPlainName(std::string_view name);
 
 }  // namespace ExamFolder

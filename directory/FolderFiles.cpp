@@ -1,7 +1,6 @@
 #include "directory/FolderFiles.h"
 
 #include "dicom/TFileSpec.h"
-#include "platform/FileReplacement.h"
 #include "platform/FileSystem.h"
 #include "platform/PathStyle.h"
 
@@ -22,7 +21,7 @@ void AppendBelow(const std::string& folder, std::vector<std::string>& paths) {
         if (entry.fKind == Kind::kFolder) AppendBelow(path, paths);
         const bool isFile =
             entry.fKind == Kind::kFile || (entry.fKind == Kind::kLink && !Platform::IsFolder(path));
-        if (isFile && !Platform::IsClaim(path)) paths.push_back(std::move(path));
+        if (isFile) paths.push_back(std::move(path));
     }
 }
 

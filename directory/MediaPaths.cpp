@@ -12,11 +12,6 @@ constexpr std::string_view kDirectoryFileName = "DICOMDIR";
 constexpr char kFileIDSeparator = '\\';
 constexpr std::string_view kPadding(" \0", 2);
 
-// Windows drops dots and blanks at the end of a name, so more than two may mean the folder above as well.
-bool ClimbsOut(std::string_view name) {
-    return name.size() > 1 && name.front() == '.' && name.find_first_not_of(". ") == std::string_view::npos;
-}
-
 std::string_view WithoutPadding(std::string_view fileID) {
     const size_t end = fileID.find_last_not_of(kPadding);
     return fileID.substr(0, end == std::string_view::npos ? 0 : end + 1);
@@ -56,10 +51,10 @@ std::string MediaPaths::MakeFileID(std::string_view path) const {
 bool MediaPaths::IsInside(std::string_view path) const {
     const std::string fileID = MakeFileID(path);
     const bool startsAgain = fFolder.empty() && fStyle.IsFullPath(path);
-    if (fileID.empty() || startsAgain || fileID.front() == kFileIDSeparator) return false;
+    if (startsAgain) return false;
     for (size_t start = 0; start <= fileID.size();) {
         const size_t end = std::min(fileID.find(kFileIDSeparator, start), fileID.size());
-        if (ClimbsOut(std::string_view(fileID).substr(start, end - start))) return false;
+        if (!fStyle.IsPlainName(std::string_view(fileID).substr(start, end - start))) return false;
         start = end + 1;
     }
     return true;

@@ -26,7 +26,8 @@ class MediaPaths {
     // to which of the style's separators is used. Empty for a path elsewhere.
     std::string MakeFileID(std::string_view path) const;
 
-    // True for a path below the directory's folder that does not climb out of it again.
+    // True for a path below the directory's folder, each name of which is a plain one: it does not climb out
+    // again, and there is no other that means the same.
     bool IsInside(std::string_view path) const;
 
     // A full path as records keep it, with backslashes and one in front: behind the drive, or, without one,

@@ -22,6 +22,7 @@ namespace {
 constexpr uint32_t kLongestRecordType = 32;
 constexpr int32_t kItemHeaderSize = 8;
 constexpr uint16_t kNotInUse = 0;
+constexpr uint32_t kNothing = 0;  // as a record's offset
 
 // How far below the top level a record may stand that the one above does not take.
 constexpr int32_t kDeepestForeignChild = 32;
@@ -113,15 +114,14 @@ RecordLoader::RecordLoader(TDicomDataSet& dataSet, int64_t dataSetStart, TRecord
 
 void RecordLoader::Load() {
     int32_t sequenceOffset = 0;
-    if (!fDataSet.FindElement(Tags::kDirectoryRecordSequence, nullptr, nullptr, nullptr, 0,
-                              &sequenceOffset)) {
-        return;
-    }
-    ReadRecords(sequenceOffset);
+    const bool hasRecords =
+        fDataSet.FindElement(Tags::kDirectoryRecordSequence, nullptr, nullptr, nullptr, 0, &sequenceOffset);
+    if (hasRecords) ReadRecords(sequenceOffset);
     uint32_t rootOffset = 0;
     const bool hasRoot =
         fDataSet.FindElement(Tags::kFirstRootRecordOffset, nullptr, nullptr, &rootOffset, sizeof(rootOffset));
-    const auto root = hasRoot ? FindRecord(rootOffset, 0) : std::nullopt;
+    fHasLostRecords = !hasRoot;
+    const auto root = hasRoot ? Follow(rootOffset, 0) : std::nullopt;
     if (root) LinkRecords(*root);
     fRecords.clear();
     std::erase(fDocs, nullptr);
@@ -151,10 +151,11 @@ void RecordLoader::ReadRecord(int32_t itemOffset, uint32_t itemLength) {
     try {
         const RecordKeys keys(record);
         std::unique_ptr<TDicomDoc> doc = MakeDoc(record, keys);
-        if (doc == nullptr) return;
+        const int64_t offset = fDataSetStart + itemOffset - kItemHeaderSize;
+        if (doc == nullptr) return fPassedBy.push_back(offset);
         fDocs.push_back(std::move(doc));
         fLinks.push_back(keys.GetLinks());
-        fOffsets.push_back(fDataSetStart + itemOffset - kItemHeaderSize);
+        fOffsets.push_back(offset);
         fRecords.emplace_back(fDocs.back().get());
     } catch (TException* thrown) {
         const std::unique_ptr<TException> error(thrown);
@@ -202,6 +203,15 @@ std::optional<RecordLoader::RecordIndex> RecordLoader::FindRecord(uint32_t offse
     return static_cast<RecordIndex>(found - fOffsets.begin());
 }
 
+// Notes when the record is not there.
+std::optional<RecordLoader::RecordIndex> RecordLoader::Follow(uint32_t offset, RecordIndex guess) {
+    const auto index = FindRecord(offset, guess);
+    const bool isNowhere = !index && offset != kNothing;
+    if (isNowhere && !std::binary_search(fPassedBy.begin(), fPassedBy.end(), int64_t{offset}))
+        fHasLostRecords = true;
+    return index;
+}
+
 // From the top down, what is below a record before what is behind it. The places still to go to are on a list
 // of their own, so that a chain of a million records costs no more than its bytes.
 void RecordLoader::LinkRecords(RecordIndex root) {
@@ -221,9 +231,9 @@ void RecordLoader::LinkRecords(RecordIndex root) {
         PutInPlace(fDocs[place.fIndex], place.fParent, place.fDepth);
         const auto& links = fLinks[place.fIndex];
         if (!links) continue;
-        if (const auto index = FindRecord(links->fNext, place.fIndex + 1))
+        if (const auto index = Follow(links->fNext, place.fIndex + 1))
             places.push_back({*index, place.fParent, place.fDepth});
-        if (const auto index = FindRecord(links->fLower, place.fIndex + 1))
+        if (const auto index = Follow(links->fLower, place.fIndex + 1))
             places.push_back({*index, doc, place.fDepth + 1});
     }
 }

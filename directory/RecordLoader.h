@@ -38,6 +38,11 @@ class RecordLoader {
     Docs TakeRootDocs() { return std::move(fRootDocs); }
     Docs TakeStrayDocs() { return std::move(fDocs); }
 
+    // True when the directory does not say where its records begin, or something points at a record that is
+    // not there: a DICOMDIR that was cut short is like that. What Load has made is then not all of the
+    // medium.
+    bool HasLostRecords() const { return fHasLostRecords; }
+
   private:
     using RecordIndex = uint32_t;
 
@@ -57,6 +62,7 @@ class RecordLoader {
     void LinkRecords(RecordIndex root);
     void PutInPlace(std::unique_ptr<TDicomDoc>& doc, TDicomDoc* parent, int32_t depth);
     std::optional<RecordIndex> FindRecord(uint32_t offset, RecordIndex guess) const;
+    std::optional<RecordIndex> Follow(uint32_t offset, RecordIndex guess);
     TDicomDoc* DocOf(RecordIndex index) { return static_cast<TDicomDoc*>(fRecords[index].GetSource()); }
 
     TDicomDataSet& fDataSet;
@@ -67,6 +73,8 @@ class RecordLoader {
     std::deque<TDicomDirRec> fRecords;         // in step with fDocs while loading
     std::vector<std::optional<Links>> fLinks;  // likewise
     std::vector<int64_t> fOffsets;             // likewise: where the records start in the file, ascending
+    std::vector<int64_t> fPassedBy;            // where those start that have no document, ascending
+    bool fHasLostRecords = false;
 };
 
 }  // namespace Vantor

@@ -83,10 +83,14 @@ TDicomDirectory::TDicomDirectory(const TFileSpec& fileSpec, const char* director
                                  const char* sopClassUID, const char* sopInstanceUID,
                                  const char* transferSyntaxUID, const char* implementationClassUID,
                                  bool isBigEndian)
-    : TDicomFile(0, fileSpec, 0, nullptr, sopClassUID, sopInstanceUID, transferSyntaxUID,
-                 implementationClassUID, isBigEndian),
+    : TDicomFile(0, fileSpec, 0),
       fDirectoryType(directoryType),
       fTransfer(std::make_unique<TSeriesTransfer>(*this, kTransferBufferSize)) {
+    const auto init =
+        fileSpec.fStorage == nullptr ? &TDicomDirectory::InitUnwrittenFile : &TDicomDirectory::InitNewFile;
+    fIsUnwritten = true;
+    (this->*init)(0, fileSpec, 0, nullptr, sopClassUID, sopInstanceUID, transferSyntaxUID,
+                  implementationClassUID, isBigEndian);
     SetIsReplaced(true);
     UpdateModTime();
     SetDirName(directoryName);
@@ -105,9 +109,14 @@ void TDicomDirectory::ReadDirectory() {
     OpenFile(Platform::FileAccess::kRead);
     ReadContent();
     CloseFile();
-    if (fDataSet != nullptr) fDataSet->GetText(Tags::kFileSetID, fDirectoryName, kDirectoryNameSize);
+    TakeDirName();
     SetImageFolderName(kStandardImageFolder);
     RefreshDocs();
+}
+
+void TDicomDirectory::TakeDirName() {
+    fDirectoryName[0] = '\0';
+    if (fDataSet != nullptr) fDataSet->GetText(Tags::kFileSetID, fDirectoryName, kDirectoryNameSize);
 }
 
 // What is noted of the file is taken from it while it is open: by its path another one may be there by now.
@@ -123,6 +132,7 @@ void TDicomDirectory::ReadContent() {
 void TDicomDirectory::ForgetContent() {
     fMetaDataSet.reset();
     fDataSet.reset();
+    fHasLostRecords = false;
     fRecordShift = 0;
     fReadMark = {};
     fLastWriteTime = {};
@@ -144,6 +154,7 @@ void TDicomDirectory::RefreshDocs() {
         throw;
     }
     fReportAnswers.reset();
+    fHasLostRecords = loader.HasLostRecords();
     ClearLists();
     for (auto& stray : loader.TakeStrayDocs()) TDicomDirectory::KeepDoc(stray.release());
     FillLists(loader.TakeRootDocs());
@@ -531,6 +542,7 @@ double TDicomDirectory::GetAvailableSpace() {
 
 bool TDicomDirectory::RegisterDicomFile(std::unique_ptr<TDicomFile> file) {
     if (file == nullptr) return false;
+    if (file->GetFileSpec()->fStorage == nullptr) fNewFiles.emplace_back(file->GetFileSpec()->fPath);
     fRegisteredFiles.push_back(std::move(file));
     return true;
 }

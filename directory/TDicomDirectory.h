@@ -46,8 +46,10 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     // TException 102 when the data set cannot be walked up to its records.
     TDicomDirectory(const TFileSpec& fileSpec, uint32_t imageDocFlag);
 
-    // A directory that is still to be filled and written: creates or empties the file, with the identity that
-    // the texts give (see TDicomFile::InitNewFile), and sets the layout. Throws FileException.
+    // A directory that is still to be filled and written, with the identity that the texts give (see
+    // TDicomFile::InitNewFile), and the layout that is told. A file that may be there stays until
+    // WriteDICOMDIR or CreateEmptyDICOMDIR puts the new one in its place. Inside structured storage the
+    // stream is created or emptied; throws FileException.
     TDicomDirectory(const TFileSpec& fileSpec, const char* directoryName, int32_t directoryType,
                     const char* sopClassUID, const char* sopInstanceUID, const char* transferSyntaxUID,
                     const char* implementationClassUID, bool isBigEndian);
@@ -116,6 +118,10 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     // set cannot be walked up to its records.
     void RefreshDocs();
 
+    // True when RefreshDocs has found that records are missing, as in a DICOMDIR that was cut short: the
+    // documents are then not all of the medium. No longer so once they are written.
+    bool HasLostRecords() const { return fHasLostRecords; }
+
     // Takes every patient out of its list and destroys it with its tree, as far as nobody holds it.
     void ClearAllDocs();
 
@@ -160,10 +166,21 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     // Throws FileException.
     void CreateEmptyDICOMDIR();
 
+    // The same with the records of the documents, at once: whoever replaces a DICOMDIR has the old one until
+    // the new one is complete. TException as WriteDICOMDIR.
+    void CreateFilledDICOMDIR();
+
     // Opens the DICOMDIR to be changed, alone, and reads it again when it is not the one that was read last.
     // False when that fails, or there is none; it is then closed, and the documents are the old ones.
-    // WriteDICOMDIR closes it.
+    // WriteDICOMDIR closes it. For a directory that is still to be written a file that is there is held, and
+    // is not read.
     bool OpenForUpdating();
+
+    // False when the DICOMDIR is a link to a file in another folder, which is not the medium's to be changed.
+    bool OwnsDICOMDIR();
+
+    // True until a directory that was not read from a file is written for the first time.
+    bool IsUnwritten() const { return fIsUnwritten; }
 
     // Enters one file below the directory's folder, by its full path: an image (any file with pixel data), a
     // report (by its modality), raw data, or a private record for any other DICOM file, with the documents
@@ -225,7 +242,8 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
                            const char* preferredName);
 
     // Removes the exam folder of a study, or those of a patient's studies, with all that is in them, as far
-    // as that goes. Nothing happens for others, and but in the exam layout.
+    // as that goes. Nothing happens for others, for a folder that another study has too, and but in the exam
+    // layout.
     void DeleteFolders(TDicomDoc* doc);
 
     // What the files of all series take, in units of 1,024 bytes, counted anew.
@@ -242,7 +260,7 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     const std::string& GetFolderPath() const { return fFolderPath; }
     void SetFolderpath(const std::string& path) {
         fFolderPath = path;
-        fPlaces.reset();
+        ForgetPlaces();
     }
     const std::string& GetImageFolder() const { return fImageFolder; }
     void SetImageFolder(const std::string& folder) { fImageFolder = folder; }
@@ -298,8 +316,10 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     // False for a directory that cannot be updated, as it has no DICOMDIR.
     virtual bool HasDICOMDIR() const { return true; }
 
-    // Where the files are; asked again when the directory's path or folder path has changed.
+    // Where the files are; asked again when the directory's path or folder path has changed, or what else
+    // it depends on.
     virtual std::shared_ptr<const MediaPlaces> MakePlaces();
+    void ForgetPlaces() { fPlaces.reset(); }
 
     void SetImageFolderName(const char* name);
 
@@ -322,11 +342,17 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     bool HasDoc(const TDicomDoc* doc);
     class OldContent;
     void ReadContent();
+    void TakeDirName();
+    void RequireOwnFile();
+    bool HoldWhatIsThere();
     bool ReadAgain(Platform::FileAccess access);
     bool IsAsRead();
+    bool IsMissing() const;
+    void FlushNewFiles();
     bool IsOfDocs() const;
     std::string MakeStoredFileID(const TFileSpec& fileSpec);
     void StartMoving(int32_t index);
+    void CreateDICOMDIROf(const HeldDocs& rootDocs);
     void WriteRecords(TDicomDataSet* present, const HeldDocs& rootDocs);
     HeldDocs GetRootDocs() const;
     std::unordered_set<std::string> CollectFileIDs() const;
@@ -340,6 +366,7 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     std::string MakeNumberedFolder(std::string_view prefix, const std::string& baseFolder, std::string& name);
     std::string MakeImageFolderPath();
     void MakeImageFolder(const char* name, const MediaPaths& paths);
+    bool HasOwnExamFolder(const TStudyDoc& study) const;
     void RemoveExamFolder(const TStudyDoc& study);
     template <typename Action>
     void WithListOf(int32_t docType, Action action);
@@ -353,6 +380,7 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     TListOf<TRawDataDoc> fRawDataDocs;
     TListOf<TSR_Doc> fSRDocs;
     std::deque<std::unique_ptr<TDicomFile>> fRegisteredFiles;
+    std::vector<std::string> fNewFiles;  // registered since the DICOMDIR was written
     int32_t fDirectoryType = kStandardLayout;
     int32_t fNextImageNumber = 0;
     char fVolumeName[kVolumeNameSize] = {};
@@ -378,8 +406,10 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     // them. Null until one is looked for.
     std::unique_ptr<DocIndex> fIndex;
     std::array<std::unique_ptr<DocIndex>, TDicomDoc::kTypeCount> fHostIndexes;
+    bool fIsUnwritten = false;
     Platform::FileMark fReadMark;  // of the file that the documents are of
     std::optional<std::unordered_map<std::string, bool>> fReportAnswers;  // by path, while loading
+    bool fHasLostRecords = false;
     int64_t fRecordShift = 0;  // how far the records have moved in the data set since it was read
     HeldDocs fOtherRootDocs;   // on the top level of the tree without being patients
     HeldDocs fPlacelessDocs;   // in no list and below no document

@@ -9,8 +9,9 @@
 #include "dicom/TSRFile.h"
 #include "dicom/TTextUtil.h"
 #include "directory/ExamFolder.h"
-#include "directory/MediaPaths.h"
+#include "directory/MediaPlaces.h"
 #include "directory/TDicomDirectory.h"
+#include "platform/Ascii.h"
 #include "platform/FileException.h"
 #include "platform/FileSystem.h"
 #include "platform/PathStyle.h"
@@ -49,6 +50,12 @@ std::string Format(const char* format, Arguments... arguments) {
 
 // A link counts, also one to nothing: who made a file there would make it where the link leads.
 bool IsTaken(const std::string& path) { return Platform::PathExists(path) || Platform::IsLink(path); }
+
+std::string ExamFolderOf(const TStudyDoc& study) {
+    char name[TDicomDoc::kFolderNameSize] = {};
+    study.GetFolderName(name);
+    return name;
+}
 
 std::string SixDigits(int32_t number) { return Format("%06i", number); }
 
@@ -116,7 +123,7 @@ std::string TDicomDirectory::MakeNumberedFolder(std::string_view prefix, const s
     while (IsTaken(path()) && counter < kLastFolderNumber) ++counter;
     try {
         // Without a folder of its own to put it into, it would land wherever the process is.
-        if (baseFolder.empty())
+        if (baseFolder.empty() || !GetPlaces().MayBeWritten(TFileSpec(path())))
             throw Platform::FileException(Platform::FileException::Cause::kBadPath, 0, name);
         Platform::CreateFolder(path());
     } catch (const Platform::FileException&) {
@@ -140,13 +147,22 @@ void TDicomDirectory::CreateExamFolders(char* name, uint32_t size, int32_t /*res
     study->SetFolderName(folderName.c_str(), static_cast<uint32_t>(folderName.size()));
 }
 
+// A record of another study may name the folder too: what it holds is not this one's alone then.
+bool TDicomDirectory::HasOwnExamFolder(const TStudyDoc& study) const {
+    const std::string name = Platform::UpperCased(ExamFolderOf(study));
+    const auto isSharedWith = [&](const TStudyDoc* other) {
+        return other != &study && Platform::UpperCased(ExamFolderOf(*other)) == name;
+    };
+    return ExamFolder::IsPlainName(name) && std::none_of(fStudyDocs.begin(), fStudyDocs.end(), isSharedWith);
+}
+
 void TDicomDirectory::RemoveExamFolder(const TStudyDoc& study) {
-    char name[TDicomDoc::kFolderNameSize] = {};
-    study.GetFolderName(name);
     const std::string imageFolder = MakeImageFolderPath();
-    // A name or a link that leads elsewhere would take another folder with it.
-    if (!ExamFolder::IsPlainName(name) || imageFolder.empty() || Platform::IsLink(imageFolder)) return;
-    Platform::RemoveFolderTree(imageFolder + Style().GetSeparator() + name);
+    if (!HasOwnExamFolder(study) || imageFolder.empty()) return;
+    const std::string folder = imageFolder + Style().GetSeparator() + ExamFolderOf(study);
+    if (TFileSpec::FitsPath(folder) && GetPlaces().MayBeRemoved(TFileSpec(folder))) {
+        Platform::RemoveFolderTree(folder);
+    }
 }
 
 void TDicomDirectory::DeleteFolders(TDicomDoc* doc) {

@@ -15,6 +15,7 @@
 #include "directory/RecordWriter.h"
 #include "directory/TDicomDirectory.h"
 #include "platform/Ascii.h"
+#include "platform/FileException.h"
 #include "platform/FileReplacement.h"
 #include "platform/FileSystem.h"
 #include "records/TDicomUtils.h"
@@ -53,36 +54,52 @@ std::string FileIDOf(const TDicomDoc& doc) {
 
 // ---- Creating and writing ----
 
-void TDicomDirectory::CreateEmptyDICOMDIR() {
+bool TDicomDirectory::OwnsDICOMDIR() { return GetPlaces().MayDirectoryBeWritten(); }
+
+// What is written to a DICOMDIR that is a link goes where it leads: on a stranger's medium, anywhere.
+void TDicomDirectory::RequireOwnFile() {
+    if (OwnsDICOMDIR()) return;
+    throw Platform::FileException(Platform::FileException::Cause::kAccessDenied, 0, fFileSpec.fPath);
+}
+
+void TDicomDirectory::CreateEmptyDICOMDIR() { CreateDICOMDIROf({}); }
+
+void TDicomDirectory::CreateFilledDICOMDIR() { CreateDICOMDIROf(GetRootDocs()); }
+
+void TDicomDirectory::CreateDICOMDIROf(const HeldDocs& rootDocs) {
+    RequireOwnFile();
     const ClosedAtEnd closing(*this);
-    const bool isNew = fFileSpec.fStorage == nullptr && !Platform::PathExists(fFileSpec.fPath);
     const TUidText oldInstanceUID = fSOPInstanceUID.Get();
     try {
-        if (isNew) CreateEmptyFile(true, false);
-        OpenFile(Platform::FileAccess::kReadWrite);
+        if (!IsMissing()) OpenFile(Platform::FileAccess::kReadWrite);
         fSOPClassUID.Set(Uids::kMediaStorageDirectory);
         fSOPInstanceUID.Set(TDicomUtils().CreateNewStudyUID({}).c_str());
         TDicomDataSet present(true, false, kNewDataSetSize, kNewDataSetSize, 0, fContext);
         const uint32_t length = TTextUtil().StringLength(fDirectoryName);
         present.PutElement(Tags::kFileSetID, Vr::kCS, length, fDirectoryName, length);
-        WriteRecords(&present, {});
+        WriteRecords(&present, rootDocs);
     } catch (...) {
         fSOPInstanceUID.Set(oldInstanceUID);
-        CloseFile();
-        if (isNew) DeleteDiskFile();
         throw;
     }
 }
 
 void TDicomDirectory::WriteDICOMDIR() {
     const ClosedAtEnd closing(*this);
+    RequireOwnFile();
     const bool wasOpen = IsOpen();
-    OpenFile(Platform::FileAccess::kReadWrite);
+    const bool isNew = fIsUnwritten && IsMissing();
+    if (!isNew) OpenFile(Platform::FileAccess::kReadWrite);
     // What others have written since would be gone. A stream has no time, and nobody else.
-    const bool mayHaveChanged = !wasOpen && fFileSpec.fStorage == nullptr;
+    const bool mayHaveChanged = !isNew && !wasOpen && fFileSpec.fStorage == nullptr;
     if (mayHaveChanged && !IsOfDocs())
         throw new TException(ErrorNumbers::kRecordStructure, "DICOMDIR has changed");
     WriteRecords(fDataSet.get(), GetRootDocs());
+}
+
+// True when there is no file that would have to be held while another one takes its place.
+bool TDicomDirectory::IsMissing() const {
+    return fFileSpec.fStorage == nullptr && !Platform::PathExists(fFileSpec.fPath);
 }
 
 // True when the open file is the one that was read or written last, or a new one, or one whose documents were
@@ -116,10 +133,13 @@ void TDicomDirectory::WriteRecords(TDicomDataSet* present, const HeldDocs& rootD
         WriteContent(*fFile, *meta, *dataSet);
         fReadMark = fFile->GetMark();
     } else {
-        Platform::FileReplacement replacement(fFileSpec.fPath);
+        FlushNewFiles();
+        using Place = Platform::FileReplacement::Place;
+        Platform::FileReplacement replacement(fFileSpec.fPath, IsOpen() ? Place::kAny : Place::kFree);
         WriteContent(replacement.GetFile(), *meta, *dataSet);
         fReadMark = replacement.PutInPlace(fFile.get());
     }
+    fIsUnwritten = false;
     fLastWriteTime = fReadMark.fLastWriteTime;
     fTransferSyntaxUID.Set(kTransferSyntax);
     fMetaDataSet = std::move(meta);
@@ -130,6 +150,13 @@ void TDicomDirectory::WriteRecords(TDicomDataSet* present, const HeldDocs& rootD
     fDataLength = fDataSet->GetDataSetSize();
     fFileSize = fDataOffset + fDataLength;
     fRecordShift = 0;
+    fHasLostRecords = false;
+}
+
+// Whatever happens next, a file that the DICOMDIR names is there.
+void TDicomDirectory::FlushNewFiles() {
+    Platform::FlushFiles(fNewFiles);
+    fNewFiles.clear();
 }
 
 // ---- Bringing up to date ----
@@ -143,6 +170,7 @@ class TDicomDirectory::OldContent {
           fMeta(std::move(directory.fMetaDataSet)),
           fDataSet(std::move(directory.fDataSet)),
           fRecordShift(directory.fRecordShift),
+          fHasLostRecords(directory.fHasLostRecords),
           fMark(directory.fReadMark),
           fTime(directory.fLastWriteTime),
           fUids{directory.fSOPClassUID.Get(), directory.fSOPInstanceUID.Get(),
@@ -157,6 +185,7 @@ class TDicomDirectory::OldContent {
         fDirectory.fMetaDataSet = std::move(fMeta);
         fDirectory.fDataSet = std::move(fDataSet);
         fDirectory.fRecordShift = fRecordShift;
+        fDirectory.fHasLostRecords = fHasLostRecords;
         fDirectory.fReadMark = fMark;
         fDirectory.fLastWriteTime = fTime;
         fDirectory.fSOPClassUID.Set(fUids[0]);
@@ -178,6 +207,7 @@ class TDicomDirectory::OldContent {
     std::unique_ptr<TDicomDataSet> fMeta;
     std::unique_ptr<TDicomDataSet> fDataSet;
     int64_t fRecordShift;
+    bool fHasLostRecords;
     Platform::FileMark fMark;
     Platform::FileTime fTime;
     TUidText fUids[3];
@@ -198,20 +228,26 @@ bool TDicomDirectory::ReloadIfChanged() {
 
 bool TDicomDirectory::OpenForUpdating() {
     if (!HasDICOMDIR()) return false;
-    if (ReadAgain(Platform::FileAccess::kReadWrite)) return true;
+    if (fIsUnwritten ? HoldWhatIsThere() : ReadAgain(Platform::FileAccess::kReadWrite)) return true;
     CloseFile();
     return false;
+}
+
+bool TDicomDirectory::HoldWhatIsThere() {
+    return IsMissing() || !OwnsDICOMDIR() || Succeeds([this] { OpenFile(Platform::FileAccess::kReadWrite); });
 }
 
 // Opens the file, reads it unless it is the one that was read last, and makes the documents anew.
 bool TDicomDirectory::ReadAgain(Platform::FileAccess access) {
     return Succeeds([&] {
+        if (access == Platform::FileAccess::kReadWrite) RequireOwnFile();
         OpenFile(access);
         if (IsAsRead()) return;
         OldContent old(*this);
         ReadContent();
         if (fDataSet == nullptr) throw new TException(ErrorNumbers::kRecordStructure, "Invalid Dicom File");
         RefreshDocs();
+        TakeDirName();  // another program may have changed it
         old.SetReplaced();
     });
 }
@@ -246,7 +282,8 @@ TDicomDoc* TDicomDirectory::AddFile(const std::string& path) {
 
 TDicomDoc* TDicomDirectory::EnterFile(const std::string& path, SeriesNumbers numbers) {
     const TFileSpec fileSpec(path);
-    if (path.size() >= kPathTooLong || !GetPlaces().IsInside(fileSpec)) return nullptr;
+    if (path.size() >= kPathTooLong || Platform::IsUnfinished(path) || !GetPlaces().IsInside(fileSpec))
+        return nullptr;
     // A record keeps the file ID in upper case: of two names that differ in case only one can be entered.
     const std::string fileID = MakeStoredFileID(fileSpec);
     TFileSpec named;

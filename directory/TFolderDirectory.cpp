@@ -36,6 +36,11 @@ class FolderPlaces final : public MediaPlaces {
         return fSingleFile.empty() ? MediaPlaces::IsInside(fileSpec) : fSingleFile == fileSpec.fPath;
     }
 
+  protected:
+    bool IsDirectoryItself(const std::string& path) const override {
+        return fSingleFile.empty() && MediaPlaces::IsDirectoryItself(path);
+    }
+
   private:
     std::string fSingleFile;  // empty for a folder
 };
@@ -129,6 +134,18 @@ void TFolderDirectory::CreateImageFolder(const std::string& name) {
 }
 
 void TFolderDirectory::CreateDICOMDIR() {
+    MakeDICOMDIR([this] { CreateEmptyDICOMDIR(); });
+}
+
+void TFolderDirectory::CreateFilledDICOMDIR(const char* name) {
+    MakeDICOMDIR([&] {
+        SetDirName(name);
+        TDicomDirectory::CreateFilledDICOMDIR();
+    });
+}
+
+template <typename Write>
+void TFolderDirectory::MakeDICOMDIR(Write write) {
     const TFileSpec before = *GetFileSpec();
     const std::string path = Style().Join(GetFolderPath(), kDirectoryFileName);
     if (!TFileSpec::FitsPath(path)) {
@@ -139,13 +156,14 @@ void TFolderDirectory::CreateDICOMDIR() {
     if (isForeign) throw new TException(ErrorNumbers::kRecordStructure, "another DICOMDIR is there");
     *GetFileSpec() = TFileSpec(path);
     try {
-        CreateEmptyDICOMDIR();
+        write();
     } catch (...) {
         *GetFileSpec() = before;
         throw;
     }
     fHasDICOMDIR = true;
     fMode = kFolder;  // the file IDs count from here on
+    ForgetPlaces();
 }
 
 void TFolderDirectory::WriteDICOMDIR() {

@@ -65,6 +65,9 @@ class TFolderDirectory final : public TDicomDirectory {
     // object's; the folder is then without a DICOMDIR of this object's, as before.
     void CreateDICOMDIR();
 
+    // The same with a name and the records of all documents, at once.
+    void CreateFilledDICOMDIR(const char* name);
+
   protected:
     // File IDs count from the folder; for a single file each of them means that file. One that begins with
     // the folder's path is a full path already.
@@ -74,6 +77,8 @@ class TFolderDirectory final : public TDicomDirectory {
 
   private:
     void OpenDICOMDIR();
+    template <typename Write>
+    void MakeDICOMDIR(Write write);
     void ScanAnew();
     void NumberSeries();
 

@@ -198,6 +198,9 @@ void TSeriesTransfer::CreateCopy(const TFileSpec& fileSpec) {
     const Platform::PathStyle& style = Platform::PathStyle::OfPlatform();
     std::string folder(style.FolderPart(fileSpec.fPath));
     if (!folder.empty()) folder.pop_back();
+    if (!fDestination.GetFilePlaces()->MayBeWritten(fileSpec)) {
+        throw new TException(ErrorNumbers::kRecordStructure, "The image folder leads elsewhere.");
+    }
     const bool isOnDisk = fileSpec.fStorage == nullptr && !folder.empty();
     if (isOnDisk) Platform::MakeFolderIfMissing(folder);
     TDicomFile& file = *FiledDoc().GetDicomFile();
@@ -251,7 +254,7 @@ void TSeriesTransfer::CopyChunk(int32_t& doneKB) {
 void TSeriesTransfer::EndFile() {
     const bool replacesSource = HoldsInstance();
     // The old content goes away, so the new one has to be on the medium by then.
-    if (replacesSource) OnCopy([this] { fCopy->Flush(); });
+    OnCopy([&] { replacesSource ? fCopy->Flush() : fCopy->StartFlush(); });
     CloseFiles();
     if (replacesSource) {
         MoveOntoSource();
@@ -276,8 +279,9 @@ bool TSeriesTransfer::HoldsInstance() {
 }
 
 // A file that others are just looking at is free again in a moment; one that cannot be replaced stays what it
-// was.
+// was, and so does one that is not of the medium that names it.
 void TSeriesTransfer::MoveOntoSource() {
+    if (!FiledDoc().OwnsFile()) return fCopy->DeleteDiskFile();
     for (int tries = 1;; ++tries) {
         try {
             return Platform::MoveFileReplacing(fCopy->GetFileSpec()->fPath, fSource->GetFileSpec()->fPath);

@@ -13,16 +13,22 @@ namespace Vantor::Platform {
 // also where a system has to close a file before another one can take its place.
 std::unique_ptr<File> OpenDiskFileToReplace(const std::string& path);
 
-// True for a file that is there only while another one is open to be replaced. Nobody else can read it.
-bool IsClaim(const std::string& path);
+// True for a file that is there only while another one is open to be replaced, and that nobody else can read,
+// and for new content that has not been put in place: of a replacement under way, or left behind by a program
+// that was ended in the middle of one. Neither is a file of the medium.
+bool IsUnfinished(const std::string& path);
 
 // New content for a file: written in full beside it, and then put in its place at once, so that nobody finds
-// half of it, whatever fails on the way.
+// half of it, whatever fails on the way. Where there was no file at the beginning, one that somebody else has
+// made meanwhile is not replaced (kSharingViolation).
 class FileReplacement {
   public:
+    // Whether it may replace a file: one that is there at the beginning, or none.
+    enum class Place { kAny, kFree };
+
     // Creates the new file, empty, in the folder of `path`, where there need not be a file yet. A link is
     // followed: what it leads to is replaced. Throws FileException, which names `path`.
-    explicit FileReplacement(const std::string& path);
+    explicit FileReplacement(const std::string& path, Place place = Place::kAny);
 
     // Removes the new file unless it is in place.
     ~FileReplacement();

@@ -66,6 +66,11 @@ bool RemoveFolderTree(const std::string& path, bool (*isKept)(const std::string&
 // cannot be told.
 uint64_t GetFreeBytes(const std::string& path);
 
+// Hands to the medium what any program has written to these files so far, and their places in their folders;
+// returns when all is there. Files that are not there do not count, nor do, on Windows, those that another
+// program keeps from being opened. Throws FileException.
+void FlushFiles(const std::vector<std::string>& paths);
+
 // Removes a file (never a folder). Throws FileException, also when there is none.
 void RemoveFile(const std::string& path);
 

@@ -1,6 +1,7 @@
 #include "platform/PathStyle.h"
 
 #include <algorithm>
+#include <array>
 
 #include "platform/Ascii.h"
 
@@ -13,6 +14,25 @@ constexpr char kDriveEnd = ':';
 constexpr std::string_view kSeparators = "\\/";
 constexpr size_t kShareStart = 2;  // behind two separators
 constexpr size_t kDriveLength = 2;
+
+constexpr std::string_view kNeverInNames = "\\/:*?\"<>|";  // on Windows, as what is below a blank
+constexpr std::string_view kDroppedAtEnd = ". ";
+constexpr std::array<std::string_view, 6> kDevices = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$"};
+constexpr std::array<std::string_view, 2> kNumberedDevices = {"COM", "LPT"};
+constexpr std::string_view kDeviceNumbers = "0123456789\xB9\xB2\xB3";  // raised ones too
+
+bool IsControl(char character) { return character >= '\0' && character < ' '; }
+
+// Whatever follows a dot: NUL.DCM is the device as well, on most systems.
+bool IsDevice(std::string_view name) {
+    const std::string_view start = name.substr(0, name.find('.'));
+    const std::string device = UpperCased(start.substr(0, start.find_last_not_of(' ') + 1));
+    if (std::find(kDevices.begin(), kDevices.end(), device) != kDevices.end()) return true;
+    return std::any_of(kNumberedDevices.begin(), kNumberedDevices.end(), [&](std::string_view numbered) {
+        return device.size() == numbered.size() + 1 && device.starts_with(numbered) &&
+               kDeviceNumbers.find(device.back()) != std::string_view::npos;
+    });
+}
 
 }  // namespace
 
@@ -74,6 +94,12 @@ std::string WindowsPathStyle::VolumeRoot(std::string_view path) const {
     return isSeparatorAt(0) ? "\\" : ".\\";
 }
 
+bool WindowsPathStyle::IsPlainName(std::string_view name) const {
+    return !name.empty() && kDroppedAtEnd.find(name.back()) == std::string_view::npos &&
+           name.find_first_of(kNeverInNames) == std::string_view::npos &&
+           std::none_of(name.begin(), name.end(), IsControl) && !IsDevice(name);
+}
+
 bool PosixPathStyle::IsFullPath(std::string_view path) const {
     return !path.empty() && path.front() == GetSeparator();
 }
@@ -88,5 +114,10 @@ std::string PosixPathStyle::VolumeRoot(std::string_view path) const {
 }
 
 std::string PosixPathStyle::NameToMake(std::string_view name) const { return UpperCased(name); }
+
+bool PosixPathStyle::IsPlainName(std::string_view name) const {
+    return !name.empty() && name != "." && name != ".." &&
+           std::none_of(name.begin(), name.end(), [this](char c) { return IsSeparator(c) || c == '\0'; });
+}
 
 }  // namespace Vantor::Platform

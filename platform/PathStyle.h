@@ -34,6 +34,11 @@ class PathStyle {
     // file IDs are upper case: where the system tells case apart too, so are the names.
     virtual std::string NameToMake(std::string_view name) const = 0;
 
+    // True for a name that means an entry of the folder in which it is looked for, and that one only: not the
+    // folder itself or the one above, no device, no part of a file, and nothing that the system takes for
+    // another name.
+    virtual bool IsPlainName(std::string_view name) const = 0;
+
     // The part up to and with the last separator; empty without one.
     std::string_view FolderPart(std::string_view path) const;
 
@@ -65,6 +70,7 @@ class WindowsPathStyle final : public PathStyle {
     std::optional<size_t> DriveEnd(std::string_view path) const override;
     std::string VolumeRoot(std::string_view path) const override;
     std::string NameToMake(std::string_view name) const override { return std::string(name); }
+    bool IsPlainName(std::string_view name) const override;
 };
 
 // One tree of folders from `/`; `\` is a letter.
@@ -77,6 +83,7 @@ class PosixPathStyle final : public PathStyle {
     std::optional<size_t> DriveEnd(std::string_view /*path*/) const override { return std::nullopt; }
     std::string VolumeRoot(std::string_view path) const override;
     std::string NameToMake(std::string_view name) const override;
+    bool IsPlainName(std::string_view name) const override;
 };
 
 }  // namespace Vantor::Platform

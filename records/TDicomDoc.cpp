@@ -203,10 +203,13 @@ void TDicomDoc::DropForeignChildren() {
 
 // ---- Files ----
 
+bool TDicomDoc::OwnsFile() {
+    const TDicomFile* const file = GetDicomFile();
+    return file != nullptr && (fPlaces == nullptr || fPlaces->MayBeRemoved(*file->GetFileSpec()));
+}
+
 void TDicomDoc::CollectFiles(TListOf<TDicomFile>& files) {
-    TDicomFile* const file = GetDicomFile();
-    const bool isOurs = fPlaces == nullptr || (file != nullptr && fPlaces->IsInside(*file->GetFileSpec()));
-    if (file != nullptr && isOurs) files.InsertItemAt(files.kAtEnd, file);
+    if (OwnsFile()) files.InsertItemAt(files.kAtEnd, GetDicomFile());
     TListOf<TDicomDoc> children;
     GetChildDocs(children, true);
     for (TDicomDoc* child : children) child->CollectFiles(files);

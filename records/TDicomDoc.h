@@ -146,12 +146,15 @@ class TDicomDoc : public TIODSource {
     void KeepForeignChild(std::unique_ptr<TDicomDoc>& child);
     const std::vector<TDicomDoc*>& GetForeignChildren() const;
 
-    // Appends the files of this document and of all below it, as far as they are the medium's: a record may
-    // name one that lies elsewhere than below the directory's folder.
+    // True when the document has a file that is the medium's, which may be removed and replaced: a record may
+    // name one that lies elsewhere (TFilePlaces::MayBeRemoved).
+    bool OwnsFile();
+
+    // Appends the files of this document and of all below it, as far as they are the medium's.
     void CollectFiles(TListOf<TDicomFile>& files);
 
     // Removes the files of this document and of all below it from disk, as far as that goes. Records stay,
-    // and so do files that lie elsewhere than below the directory's folder.
+    // and so do files that are not the medium's.
     void DeleteFilesFromDisk();
 
     // What the files of this document and of all below it take, in units of 1,024 bytes, counted file by file

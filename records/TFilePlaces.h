@@ -18,9 +18,16 @@ class TFilePlaces {
     // The file that a record names by its file ID. Its path is empty when there can be none.
     virtual TFileSpec Find(std::string_view fileID) const = 0;
 
-    // False for a file elsewhere than below the directory's folder: a record of a stranger's medium may name
-    // one, and it may be read, but never removed.
-    virtual bool IsInside(const TFileSpec& fileSpec) const = 0;
+    // A record of a stranger's medium may name any file of the computer, by a path that leads out or by a
+    // link on the medium. Such a file may be read. Who changes anything on disk asks here first:
+
+    // True for a path of which the entry itself, be it a link, may be removed or replaced: it is in the
+    // directory's folder, or in one below to which no link leads out, and is not the directory's own file.
+    virtual bool MayBeRemoved(const TFileSpec& fileSpec) const = 0;
+
+    // True for a path, where there need not be anything yet, that may be written to: it may be removed, and
+    // is no link out either. A link that the system does not tell the end of counts as one.
+    virtual bool MayBeWritten(const TFileSpec& fileSpec) const = 0;
 
     uintptr_t GetOwner() const { return fOwner; }
 

@@ -14,7 +14,6 @@
 #include "platform/CodePage.h"
 #include "platform/FileException.h"
 #include "platform/FileSystem.h"
-#include "platform/PathStyle.h"
 #include "platform/Volumes.h"
 #include "records/TDicomUtils.h"
 #include "wrappers/Boundary.h"
@@ -31,15 +30,16 @@ using Vantor::TFileSpec;
 using Vantor::TFolderDirectory;
 using Vantor::Platform::FileException;
 using Vantor::Platform::FromHostText;
-using Vantor::Platform::PathStyle;
 using Vantor::Platform::ToHostText;
 
 namespace {
 
-constexpr std::string_view kDirectoryFileName = "DICOMDIR";
 constexpr char kNotOpened[] = "Directory open for update failed";
 
-const PathStyle& Style() { return PathStyle::OfPlatform(); }
+// A link that leads elsewhere goes itself: through it the new DICOMDIR would be made there.
+void RemoveForeignLink(TDicomDirectory& directory) {
+    if (!directory.OwnsDICOMDIR()) Vantor::Platform::RemoveFile(directory.GetFullPath());
+}
 
 }  // namespace
 
@@ -58,6 +58,14 @@ DicomDirectory::DicomDirectory(const HostString& path, DirectoriesMgr& manager, 
         UpdateManagedLists();
     });
     if (failure) ReportDamage(path);
+}
+
+DicomDirectory::DicomDirectory(const HostString& path, DirectoriesMgr& manager, const HostString& fileSetName)
+    : Linked(this), fDirectoriesMgr(manager.GetLink()) {
+    const std::string nativePath = FromHostText(path);
+    if (!TFileSpec::FitsPath(nativePath)) return;
+    StartNew(nativePath, FromHostText(fileSetName));
+    UpdateManagedLists();
 }
 
 DicomDirectory::~DicomDirectory() = default;
@@ -100,23 +108,20 @@ void DicomDirectory::OpenFolder(const std::string& path) {
     if (isFolder) TakeDrive(path);
 }
 
-void DicomDirectory::CreateNew(const std::string& path, const std::string& fileSetName) {
+void DicomDirectory::StartNew(const std::string& path, const std::string& fileSetName) {
     using namespace Vantor;
-    const std::string_view name = Style().LastPart(path);
-    if (Vantor::Platform::IsFile(path) && name.substr(0, name.rfind('.')) == kDirectoryFileName)
-        Platform::RemoveFile(path);
     fUmDicomDirectory = std::make_unique<TDicomDirectory>(
         TFileSpec(path), fileSetName.c_str(), TDicomDirectory::kStandardLayout, Uids::kMediaStorageDirectory,
         TDicomUtils().CreateNewStudyUID({}).c_str(), Uids::kExplicitVRLittleEndian,
         Uids::kImplementationClass, false);
     TakeDrive(path);
     if (fDriveInfo != nullptr) TakeDriveType();
-    try {
-        WriteDICOMDIR(*fUmDicomDirectory);
-    } catch (...) {
-        fUmDicomDirectory->DeleteDiskFile();  // an empty one would pass for damaged the next time
-        throw;
-    }
+}
+
+void DicomDirectory::CreateNew(const std::string& path, const std::string& fileSetName) {
+    StartNew(path, fileSetName);
+    RemoveForeignLink(*fUmDicomDirectory);
+    WriteDICOMDIR(*fUmDicomDirectory);
     VantorHost::AccessGranting::SetFileAccess(ToHostText(GetNativePath()));
 }
 
@@ -258,6 +263,10 @@ bool DicomDirectory::AddFile(const HostString& path, HostString& reason) {
     return false;
 }
 
+bool DicomDirectory::IsUnwritten() const {
+    return fUmDicomDirectory != nullptr && fUmDicomDirectory->IsUnwritten();
+}
+
 void DicomDirectory::Save() {
     if (!IsValid()) {
         fError = LuminaError(ErrorSeverity::Fatal, ErrorNumber::DirectoryInvalid);
@@ -270,7 +279,13 @@ void DicomDirectory::Save() {
 }
 
 void DicomDirectory::WriteDirectory() {
-    if (IsValid()) Write([this] { WriteDICOMDIR(*fUmDicomDirectory); });
+    if (!IsValid()) return;
+    Write([this] {
+        const bool isNew = fUmDicomDirectory->IsUnwritten();
+        if (isNew) RemoveForeignLink(*fUmDicomDirectory);
+        WriteDICOMDIR(*fUmDicomDirectory);
+        if (isNew) VantorHost::AccessGranting::SetFileAccess(GetFullPath());
+    });
 }
 
 void DicomDirectory::CloseFile() {
@@ -289,12 +304,26 @@ void DicomDirectory::CreateDICOMDIR() {
     });
 }
 
+void DicomDirectory::CreateFilledDICOMDIR(const HostString& name) {
+    if (!IsValid() || !IsFolder()) return;
+    Write([&] {
+        GetFolder()->CreateFilledDICOMDIR(FromHostText(name).c_str());
+        VantorHost::AccessGranting::SetFileAccess(GetFullPath());
+    });
+}
+
+// False for a folder that is a link elsewhere, which would be shared there.
+bool DicomDirectory::MayBeWritten(const std::string& path) const {
+    return TFileSpec::FitsPath(path) && fUmDicomDirectory->GetFilePlaces()->MayBeWritten(TFileSpec(path));
+}
+
 void DicomDirectory::CreateImageFolder(const HostString& name) {
     if (!IsValid() || !IsFolder()) return;
     const auto kept = weak_from_this().lock();
     const auto failure = FailureOf([&] {
         GetFolder()->CreateImageFolder(FromHostText(name));
-        VantorHost::AccessGranting::SetDirectoryAccess(GetImageFolderFullPath());
+        const HostString path = GetImageFolderFullPath();
+        if (MayBeWritten(FromHostText(path))) VantorHost::AccessGranting::SetDirectoryAccess(path);
     });
     if (failure) TraceError(*failure);
 }

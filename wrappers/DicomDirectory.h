@@ -61,6 +61,10 @@ class DicomDirectory : public Linked<DicomDirectory>, public std::enable_shared_
     // wrong, the user is told and the process ends: see VantorHost::DamagedDirectory.
     DicomDirectory(const HostString& path, DirectoriesMgr& manager, const HostString& fileSetName,
                    bool create, bool isDicomdir);
+
+    // Addition for the manager: a new DICOMDIR that Save writes for the first time. What is at the path until
+    // then stays.
+    DicomDirectory(const HostString& path, DirectoriesMgr& manager, const HostString& fileSetName);
     ~DicomDirectory();
 
     // Raised again and again while CopySeries is under way.
@@ -128,6 +132,9 @@ class DicomDirectory : public Linked<DicomDirectory>, public std::enable_shared_
     // Addition for hosts: gives the reason of a failure as well, "" without one.
     bool AddFile(const HostString& path, HostString& reason);
 
+    // Addition for hosts: true until a directory of DirectoriesMgr::PrepareDirectory is saved.
+    bool IsUnwritten() const;
+
     // Opens the DICOMDIR for updating, unless it is, writes the records into it and closes it. GetError tells
     // how it ended; (Fatal, DirectoryReadOnly) when it could not be opened.
     void Save();
@@ -142,6 +149,9 @@ class DicomDirectory : public Linked<DicomDirectory>, public std::enable_shared_
     // Makes a new, empty DICOMDIR with the directory's name on disk, which others may change too. The records
     // in memory stay.
     void CreateDICOMDIR();
+
+    // Addition for the manager, for folders only: the same with a name and the records in memory, at once.
+    void CreateFilledDICOMDIR(const HostString& name);
 
     // For folders only: makes a folder for new images in it, if it is missing, and lets others use it; takes
     // note that all files have been deleted, and the DICOMDIR as well.
@@ -227,6 +237,10 @@ class DicomDirectory : public Linked<DicomDirectory>, public std::enable_shared_
 
     bool IsFolder() const;
 
+    // Addition for hosts: true when the DICOMDIR speaks of records that are not in it, as one that was cut
+    // short does. What is shown is then not all of the medium, and writing the DICOMDIR gives up the rest.
+    bool HasLostRecords() const;
+
     // For folders: whether there is a DICOMDIR. Hosts rely on the other answers: false for a DICOMDIR, true
     // when not valid.
     bool HasDICOMDIR() const;
@@ -240,9 +254,11 @@ class DicomDirectory : public Linked<DicomDirectory>, public std::enable_shared_
   private:
     void Open(const std::string& path, const std::string& fileSetName, bool create, bool isDicomdir);
     void OpenFolder(const std::string& path);
+    void StartNew(const std::string& path, const std::string& fileSetName);
     void CreateNew(const std::string& path, const std::string& fileSetName);
     void TakeDrive(const std::string& path);
     void TakeDriveType();
+    bool MayBeWritten(const std::string& path) const;
     void ReportDamage(const HostString& path);
     void UpdateManagedLists();
     template <typename Doc>

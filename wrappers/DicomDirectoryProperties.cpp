@@ -39,9 +39,10 @@ std::string WithoutDICOMDIR(const std::string& path) {
     return isDICOMDIR ? Style().FolderOf(path) : path;
 }
 
-// Makes a file and removes it, or, of a user's file of that name, opens it. Throws FileException.
+// Makes a file and removes it, or, of a user's file of that name, opens it; through a link to nothing none is
+// made. Throws FileException.
 void TryToWrite(const std::string& path) {
-    if (Vantor::Platform::PathExists(path)) {
+    if (Vantor::Platform::PathExists(path) || Vantor::Platform::IsLink(path)) {
         Vantor::Platform::OpenDiskFile(path, Vantor::Platform::FileAccess::kReadWrite);
         return;
     }
@@ -96,6 +97,8 @@ bool DicomDirectory::HasDICOMDIR() const {
     const TFolderDirectory* const folder = GetFolder();
     return folder != nullptr && folder->GetHasDICOMDIRflag();
 }
+
+bool DicomDirectory::HasLostRecords() const { return IsValid() && fUmDicomDirectory->HasLostRecords(); }
 
 bool DicomDirectory::IsDownloadFolder() const {
     return IsFolder() &&

@@ -201,8 +201,9 @@ void DirectoriesMgr::DropChangedDirectories() {
 bool DirectoriesMgr::IsStillThere(const DicomDirectory& directory) const {
     if (!FindAvailableDrive(directory.GetDrive())) return false;
     TDicomDirectory& native = *directory.GetUmDirectory();
-    return native.IsOpen() || ReadUidOfFile(directory.GetFullPath(), &TDicomFile::GetSOPInstanceUID) ==
-                                  UidOf(native, &TDicomFile::GetSOPInstanceUID);
+    return native.IsOpen() || native.IsUnwritten() ||
+           ReadUidOfFile(directory.GetFullPath(), &TDicomFile::GetSOPInstanceUID) ==
+               UidOf(native, &TDicomFile::GetSOPInstanceUID);
 }
 
 void DirectoriesMgr::AddFoundDirectories() {
@@ -320,9 +321,17 @@ std::shared_ptr<DicomDirectory> DirectoriesMgr::CreateOrReplaceDirectory(const H
     }
     auto directory = AddToFolderDirList(WithoutLastSeparators(path), false);
     if (directory == nullptr) return nullptr;
-    directory->CreateDICOMDIR();
-    if (directory->GetError().IsSuccess()) directory->SetDirName(name);
+    directory->CreateFilledDICOMDIR(name);
     directory->CreateImageFolder(kImageFolder);
+    return directory;
+}
+
+std::shared_ptr<DicomDirectory> DirectoriesMgr::PrepareDirectory(const HostString& path,
+                                                                 const HostString& name) {
+    Drop(FindManagedDirectory(path));
+    auto directory = std::make_shared<DicomDirectory>(path, *this, name);
+    if (directory->GetUmDirectory() == nullptr) return nullptr;
+    fDirList.push_back(directory);
     return directory;
 }
 

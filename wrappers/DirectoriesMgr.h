@@ -82,6 +82,11 @@ class DirectoriesMgr : public Linked<DirectoriesMgr> {
     std::shared_ptr<DicomDirectory> CreateOrReplaceDirectory(const HostString& path, const HostString& name,
                                                              bool isDicomdir);
 
+    // Addition for hosts: as CreateOrReplaceDirectory for a DICOMDIR, which is not written before the
+    // directory is saved (DicomDirectory::OpenForUpdating, AddFile, Save). Until then what is at the path
+    // stays: who enters many files has the old DICOMDIR until the new one is complete.
+    std::shared_ptr<DicomDirectory> PrepareDirectory(const HostString& path, const HostString& name);
+
     // Drops a directory; nothing on disk is deleted. One that was marked to be remembered is forgotten.
     void DeleteDirectory(const std::shared_ptr<DicomDirectory>& directory);
 

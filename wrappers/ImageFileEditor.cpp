@@ -106,13 +106,14 @@ bool IsNonAsciiText(const TDataSetEdit::Element& element) {
     return MayBeText(element.fTag) && !Vantor::HasControlCharacters(element.fValue);
 }
 
-// What files have to have besides what is put there anyway.
+// What files have to have besides what is put there anyway. The UIDs whatever their VR is: readers do not ask
+// for it, and find no data set without them.
 bool IsNeededMeta(const TDataSetEdit::Element& element) {
     constexpr Tag kGroupLength{0x0002, 0x0000};
     constexpr Tag kUids[] = {Tags::kMediaStorageSOPClassUID, Tags::kTransferSyntaxUID};
     if (element.fTag == kGroupLength)
         return element.fVr == Vr::kUL && element.fValue.size() == sizeof(uint32_t);
-    return element.fVr == Vr::kUI &&
+    return !element.fIsSequence &&
            std::find(std::begin(kUids), std::end(kUids), element.fTag) != std::end(kUids);
 }
 
@@ -224,7 +225,9 @@ class ImageFileEditor::State {
         take(Attribute::kStudyUID, fOld.fStudyUID);
         take(Attribute::kSeriesUID, fOld.fSeriesUID);
         take(Attribute::kInstanceUID, fOld.fInstanceUID);
-        fNewInstanceUID = FindUid(fOld.fInstanceUID).value_or(fOld.fInstanceUID);
+        const std::string& old = fOld.fInstanceUID;
+        fNewInstanceUID =
+            old.empty() ? FindValue(Attribute::kInstanceUID).value_or("") : FindUid(old).value_or(old);
     }
 
     // What stands for a UID in the new file: for one of this image, what was set; for another image that is

@@ -12,7 +12,6 @@
 #include "records/TSeriesDoc.h"
 #include "wrappers/DicomDirectory.h"
 #include "wrappers/DirectoryUpdate.h"
-#include "wrappers/MediaBounds.h"
 
 namespace VantorWrappers {
 
@@ -128,7 +127,8 @@ void SeriesSave::WaitQuietly(const AxDicomImage& control) const {
 
 bool SeriesSave::MayBeWritten(Vantor::TDicomDirectory* directory, const std::string& path) {
     const auto places = directory == nullptr ? nullptr : directory->GetFilePlaces();
-    if (places != nullptr && IsOnMedium(*places, path)) return true;
+    const bool isTold = places != nullptr && Vantor::TFileSpec::FitsPath(path);
+    if (isTold && places->MayBeWritten(Vantor::TFileSpec(path))) return true;
     Fail(ErrorSeverity::Fatal, ErrorNumber::SaveGeneralFailure,
          "Image file is not in the folder of its directory");
     return false;

@@ -53,8 +53,8 @@ class SeriesSave {
     // Waits for a control that is under way, without telling anybody; as Write does, not forever.
     void WaitQuietly(const VantorHost::AxDicomImage& control) const;
 
-    // False for a path that no file of the directory may have, which is noted: see IsOnMedium. The directory
-    // may be null.
+    // False for a path that no file of the directory may be written to (TFilePlaces::MayBeWritten), which is
+    // noted. The directory may be null.
     bool MayBeWritten(Vantor::TDicomDirectory* directory, const std::string& path);
 
     // Writes the DICOMDIR at the end. `operation` is its name in the trace.

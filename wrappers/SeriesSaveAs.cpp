@@ -19,7 +19,6 @@
 #include "records/TStudyDoc.h"
 #include "wrappers/DicomDirectory.h"
 #include "wrappers/DirectoryUpdate.h"
-#include "wrappers/MediaBounds.h"
 #include "wrappers/NativeText.h"
 #include "wrappers/RecordTexts.h"
 
@@ -407,7 +406,7 @@ bool SeriesSaveAs::MayHaveFolders(TDicomDirectory& directory) {
     char path[TFileSpec::kPathSize] = {};
     int32_t length = 0;
     directory.MakeImageFileName(path, length, "", "", "");
-    return IsOnMedium(*directory.GetFilePlaces(), path);
+    return directory.GetFilePlaces()->MayBeWritten(TFileSpec(path));
 }
 
 // In an exam layout each study has a folder.

@@ -6,6 +6,7 @@
 
 #include <utility>
 
+#include "platform/MediumWatch.h"
 #include "platform/posix/FileState.h"
 #include "platform/posix/LockedFile.h"
 #include "platform/posix/SystemError.h"
@@ -16,8 +17,8 @@ namespace {
 
 class DiskFile final : public File {
   public:
-    DiskFile(Descriptor descriptor, FileAccess access, const std::string& path)
-        : fDescriptor(std::move(descriptor)), fAccess(access), fPath(path) {}
+    DiskFile(Descriptor descriptor, FileAccess access, const std::string& path, const std::string& pathOnDisk)
+        : fDescriptor(std::move(descriptor)), fAccess(access), fPath(path), fPathOnDisk(pathOnDisk) {}
 
     size_t Read(void* buffer, size_t count) override {
         auto* const bytes = static_cast<char*>(buffer);
@@ -39,6 +40,7 @@ class DiskFile final : public File {
 
     void Write(const void* bytes, size_t count) override {
         RequireWritable();
+        AnnounceChange(MediumChange::kWrite, fPathOnDisk);
         const auto* next = static_cast<const char*>(bytes);
         while (count > 0) {
             const ssize_t put =
@@ -64,6 +66,7 @@ class DiskFile final : public File {
     void SetLength(int64_t length) override {
         RequireWritable();
         RequireOffset(length);
+        AnnounceChange(MediumChange::kSetLength, fPathOnDisk);
         if (RetryInterrupted([&] { return ftruncate(fDescriptor.Get(), length); }) != 0) {
             ThrowFileError(errno, fPath);
         }
@@ -87,11 +90,8 @@ class DiskFile final : public File {
     }
 
     void Flush() override {
-        const bool isDone = RetryInterrupted([&] { return fsync(fDescriptor.Get()); }) == 0;
-        // EINVAL and EROFS: a file system with nothing between it and its medium.
-        if (!isDone && errno != EINVAL && errno != EROFS) {
-            ThrowFileError(errno, fPath);
-        }
+        AnnounceChange(MediumChange::kFlush, fPathOnDisk);
+        FlushDescriptor(fDescriptor, fPath);
     }
 
     FileMark GetMark() override { return MarkOf(GetState()); }
@@ -125,23 +125,33 @@ class DiskFile final : public File {
 
     Descriptor fDescriptor;
     FileAccess fAccess;
-    std::string fPath;         // as the file was opened
+    std::string fPath;  // as the file was opened
+    std::string fPathOnDisk;
     int64_t fFlushedUpTo = 0;  // how far StartFlush has come
     int64_t fPosition = 0;     // never negative; may be behind the end
 };
 
 }  // namespace
 
-std::unique_ptr<File> MakeDiskFile(Descriptor descriptor, FileAccess access, const std::string& path) {
-    return std::make_unique<DiskFile>(std::move(descriptor), access, path);
+void FlushDescriptor(const Descriptor& descriptor, const std::string& path) {
+    const bool isDone = RetryInterrupted([&] { return fsync(descriptor.Get()); }) == 0;
+    // EINVAL and EROFS: a file system with nothing between it and its medium.
+    if (!isDone && errno != EINVAL && errno != EROFS) {
+        ThrowFileError(errno, path);
+    }
+}
+
+std::unique_ptr<File> MakeDiskFile(Descriptor descriptor, FileAccess access, const std::string& path,
+                                   const std::string& pathOnDisk) {
+    return std::make_unique<DiskFile>(std::move(descriptor), access, path, pathOnDisk);
 }
 
 std::unique_ptr<File> OpenDiskFile(const std::string& path, FileAccess access) {
-    return MakeDiskFile(OpenLocked(path, access), access, path);
+    return MakeDiskFile(OpenLocked(path, access), access, path, path);
 }
 
 std::unique_ptr<File> CreateDiskFile(const std::string& path) {
-    return MakeDiskFile(CreateLocked(path), FileAccess::kReadWrite, path);
+    return MakeDiskFile(CreateLocked(path), FileAccess::kReadWrite, path, path);
 }
 
 }  // namespace Vantor::Platform

@@ -6,6 +6,7 @@
 
 #include "platform/File.h"
 #include "platform/FileSystem.h"
+#include "platform/MediumWatch.h"
 #include "platform/posix/Neighbour.h"
 #include "platform/posix/PathLookup.h"
 #include "platform/posix/SystemError.h"
@@ -62,10 +63,13 @@ void PutCopyInPlace(const std::string& source, const std::string& target, mode_t
 
 void MoveToOtherVolume(const std::string& source, const std::string& target) {
     PutCopyInPlace(source, target, 0);
-    unlink(source.c_str());
+    if (MayChange(MediumChange::kRemoveFile, source)) {
+        unlink(source.c_str());
+    }
 }
 
 void Move(const std::string& source, const std::string& target) {
+    AnnounceChange(MediumChange::kMove, source, target);
     if (rename(source.c_str(), target.c_str()) == 0) {
         FlushFolderOf(target);
         return;

@@ -13,6 +13,7 @@
 
 #include "platform/ClaimedFile.h"
 #include "platform/LaterTime.h"
+#include "platform/NeighbourName.h"
 #include "platform/posix/DiskFile.h"
 #include "platform/posix/FileState.h"
 #include "platform/posix/LockedFile.h"
@@ -126,20 +127,22 @@ std::unique_ptr<File> OpenDiskFileToReplace(const std::string& path) {
     if (!claim->IsOpen()) {
         ThrowFileError(errno, path);
     }
-    return std::make_unique<ClaimedFile>(std::move(claim),
-                                         MakeDiskFile(std::move(descriptor), FileAccess::kReadWrite, path));
+    return std::make_unique<ClaimedFile>(
+        std::move(claim), MakeDiskFile(std::move(descriptor), FileAccess::kReadWrite, path, path));
 }
 
-bool IsClaim(const std::string& /*path*/) { return false; }
+bool IsUnfinished(const std::string& path) { return IsNameOfNeighbour(path); }
 
 class FileReplacement::State {
   public:
     // Whoever could not read the old file does not read the new one while it is written.
-    State(const std::string& path, const std::string& target)
+    State(const std::string& path, const std::string& target, Place place)
         : fPath(path),
           fTarget(target),
-          fNeighbour(target, StateAt(target) ? kRightsOfMaker : kRightsOfAll),
-          fFile(MakeDiskFile(fNeighbour.TakeDescriptor(), FileAccess::kReadWrite, path)) {}
+          fIsReplacing(place == Place::kAny && StateAt(target)),
+          fNeighbour(target, fIsReplacing ? kRightsOfMaker : kRightsOfAll),
+          fFile(MakeDiskFile(fNeighbour.TakeDescriptor(), FileAccess::kReadWrite, path,
+                             fNeighbour.GetPath())) {}
 
     const std::string& GetPath() const { return fPath; }
     File& GetFile() { return *fFile; }
@@ -149,7 +152,11 @@ class FileReplacement::State {
         Complete(replaced);
         auto claim = std::make_shared<Descriptor>(OpenLocked(fNeighbour.GetPath(), FileAccess::kRead));
         const FileMark mark = MakeMark(*claim);
-        fNeighbour.TakePlaceOfTarget();
+        if (fIsReplacing) {
+            fNeighbour.TakePlaceOfTarget();
+        } else {
+            fNeighbour.TakeFreePlace();
+        }
         NoteAdded(fTarget);
         // The lock on the old file binds nobody any more. The one on the new file, which was there before
         // anybody could open it, lets in readers only.
@@ -182,15 +189,16 @@ class FileReplacement::State {
 
     std::string fPath;    // as the caller gave it
     std::string fTarget;  // the same as on disk, links followed
+    bool fIsReplacing;    // there was a file at the beginning
     Neighbour fNeighbour;
     std::unique_ptr<File> fFile;
 };
 
-FileReplacement::FileReplacement(const std::string& path) {
+FileReplacement::FileReplacement(const std::string& path, Place place) {
     const std::string target = FindTarget(path);
     RequireReplaceable(target, path);
     try {
-        fState = std::make_unique<State>(path, target);
+        fState = std::make_unique<State>(path, target, place);
     } catch (const FileException& error) {
         throw error.WithFileName(path);
     }

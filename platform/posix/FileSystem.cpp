@@ -8,10 +8,15 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <map>
 #include <memory>
 
+#include "platform/MediumWatch.h"
+#include "platform/PathStyle.h"
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/DiskFile.h"
 #include "platform/posix/FileState.h"
+#include "platform/posix/Neighbour.h"
 #include "platform/posix/PathLookup.h"
 #include "platform/posix/SystemError.h"
 
@@ -94,6 +99,7 @@ void CreateFolder(const std::string& path) {
     if (found.fMissing == Missing::kNothing) {
         ThrowPathError(EEXIST, path);
     }
+    AnnounceChange(MediumChange::kCreateFolder, found.fPath);
     if (mkdir(found.fPath.c_str(), kAllThatTheUserMaskLeaves) != 0) {
         ThrowPathError(errno, path);
     }
@@ -124,6 +130,7 @@ std::optional<std::vector<FolderEntry>> ReadFolder(const std::string& path) {
 }
 
 void RemoveFolder(const std::string& path) {
+    AnnounceChange(MediumChange::kRemoveFolder, path);
     if (WithPathOnDisk(path, rmdir) != 0) {
         ThrowPathError(errno, path);
     }
@@ -135,7 +142,28 @@ uint64_t GetFreeBytes(const std::string& path) {
     return result == 0 ? uint64_t{volume.f_bavail} * volume.f_frsize : 0;
 }
 
+// A folder once, however many files are in it: each flush of one waits for the medium.
+void FlushFiles(const std::vector<std::string>& paths) {
+    std::map<std::string, std::string> fileOfFolder;
+    for (const std::string& path : paths) {
+        const std::string found = LookUpPath(path).fPath;
+        AnnounceChange(MediumChange::kFlush, found);
+        const Descriptor file(RetryInterrupted(
+            [&] { return open(found.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK); }));
+        if (file.IsOpen()) {
+            FlushDescriptor(file, path);
+            fileOfFolder[PathStyle::OfPlatform().FolderOf(found)] = found;
+        } else if (errno != ENOENT && errno != ENOTDIR) {
+            ThrowPathError(errno, path);
+        }
+    }
+    for (const auto& [folder, file] : fileOfFolder) {
+        FlushFolderOf(file);
+    }
+}
+
 void RemoveFile(const std::string& path) {
+    AnnounceChange(MediumChange::kRemoveFile, path);
     if (WithPathOnDisk(path, unlink) != 0) {
         ThrowPathError(errno, path);
     }
@@ -144,6 +172,7 @@ void RemoveFile(const std::string& path) {
 std::string MakeTemporaryFile(const std::string& prefix) {
     std::string path = TemporaryFolder() + "/" + prefix + kUniquePart;
     path += kTemporarySuffix;
+    AnnounceChange(MediumChange::kCreateFile, path);
     const Descriptor created(mkostemps(path.data(), static_cast<int>(kTemporarySuffix.size()), O_CLOEXEC));
     if (!created.IsOpen()) {
         ThrowPathError(errno, path);

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include "platform/MediumWatch.h"
 #include "platform/posix/PathLookup.h"
 #include "platform/posix/SystemError.h"
 
@@ -113,6 +114,7 @@ Descriptor OpenLocked(const std::string& path, FileAccess access) {
 }
 
 Descriptor CreateLocked(const std::string& path) {
+    AnnounceChange(MediumChange::kCreateFile, path);
     Descriptor descriptor = OpenAlone(path, [&] { return OpenOrCreate(path); });
     if (RetryInterrupted([&] { return ftruncate(descriptor.Get(), 0); }) != 0) {
         ThrowFileError(errno, path);

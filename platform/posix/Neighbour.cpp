@@ -9,6 +9,8 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/MediumWatch.h"
+#include "platform/NeighbourName.h"
 #include "platform/posix/PathLookup.h"
 #include "platform/posix/SystemError.h"
 
@@ -16,8 +18,6 @@ namespace Vantor::Platform {
 
 namespace {
 
-constexpr std::string_view kNameStart = "VNT";
-constexpr std::string_view kNameEnd = ".tmp";
 constexpr std::string_view kDigits = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
 constexpr int kAttempts = 100;
 
@@ -30,11 +30,11 @@ std::string FolderOf(const std::string& path) {
 std::string AnyName() {
     static std::atomic<uint64_t> counter = 0;
     const auto now = std::chrono::system_clock::now().time_since_epoch().count();
-    std::string name(kNameStart);
+    std::string name(kNeighbourStart);
     for (uint64_t rest = static_cast<uint64_t>(now) + counter++; rest > 0; rest /= kDigits.size()) {
         name += kDigits[rest % kDigits.size()];
     }
-    return name.append(kNameEnd);
+    return name.append(kNeighbourEnd);
 }
 
 }  // namespace
@@ -46,6 +46,7 @@ Neighbour::Neighbour(const std::string& target, mode_t rights) : fTarget(target)
     const std::string folder = FolderOf(target);
     for (int attempt = 0; attempt < kAttempts && !fDescriptor.IsOpen(); ++attempt) {
         fPath = folder + AnyName();
+        AnnounceChange(MediumChange::kCreateFile, fPath);
         fDescriptor = Descriptor(RetryInterrupted([&] { return open(fPath.c_str(), kFlags, rights); }));
         if (!fDescriptor.IsOpen() && errno != EEXIST) {
             break;
@@ -58,7 +59,7 @@ Neighbour::Neighbour(const std::string& target, mode_t rights) : fTarget(target)
 }
 
 Neighbour::~Neighbour() {
-    if (!fPath.empty()) {
+    if (!fPath.empty() && MayChange(MediumChange::kRemoveFile, fPath)) {
         unlink(fPath.c_str());
     }
 }
@@ -66,14 +67,36 @@ Neighbour::~Neighbour() {
 Descriptor Neighbour::TakeDescriptor() { return std::move(fDescriptor); }
 
 void Neighbour::TakePlaceOfTarget() {
+    AnnounceChange(MediumChange::kMove, fPath, fTarget);
     if (rename(fPath.c_str(), fTarget.c_str()) != 0) {
         ThrowFileError(errno, fTarget);
     }
+    EndInPlace();
+}
+
+void Neighbour::TakeFreePlace() {
+    AnnounceChange(MediumChange::kMove, fPath, fTarget);
+    if (renameat2(AT_FDCWD, fPath.c_str(), AT_FDCWD, fTarget.c_str(), RENAME_NOREPLACE) == 0) {
+        return EndInPlace();
+    }
+    if (errno == EEXIST) {
+        throw FileException(FileException::Cause::kSharingViolation, errno, fTarget);
+    }
+    if (errno != EINVAL && errno != ENOSYS) {
+        ThrowFileError(errno, fTarget);
+    }
+    TakePlaceOfTarget();
+}
+
+void Neighbour::EndInPlace() {
     fPath.clear();
     FlushFolderOf(fTarget);
 }
 
 void FlushFolderOf(const std::string& path) {
+    if (!MayChange(MediumChange::kFlush, FolderOf(path))) {
+        return;
+    }
     const Descriptor folder(open(FolderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (folder.IsOpen()) {
         fsync(folder.Get());

@@ -26,7 +26,13 @@ class Neighbour {
     // At once for everybody, and lasting when this returns.
     void TakePlaceOfTarget();
 
+    // The same where there was no target. One that somebody else has made since is not replaced, as far as
+    // the file system can tell: that is kSharingViolation.
+    void TakeFreePlace();
+
   private:
+    void EndInPlace();
+
     std::string fTarget;
     std::string fPath;  // empty once the file is in place
     Descriptor fDescriptor;

@@ -19,6 +19,11 @@ bool Exists(const std::string& path) {
     return stat(path.c_str(), &state) == 0;
 }
 
+bool IsEntry(const std::string& path) {
+    struct stat state = {};
+    return lstat(path.c_str(), &state) == 0;
+}
+
 // The last component's start; the separators before it belong to the folder.
 size_t NameStart(const std::string& path) {
     const size_t separator = path.rfind(kSeparator);
@@ -34,7 +39,8 @@ bool AppendAsOnDisk(std::string& folder, const std::string& name) {
         return true;
     }
     const std::optional<std::string> spelling = FolderListing::Find(FolderOrHere(folder), name);
-    if (!spelling) {
+    // A listing may still have a name that was removed within the tick in which it was read.
+    if (!spelling || !IsEntry(folder + *spelling)) {
         return false;
     }
     folder += *spelling;

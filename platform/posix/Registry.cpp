@@ -72,7 +72,7 @@ std::optional<std::string> ReadSettings(const std::string& path) {
     if (!descriptor.IsOpen() || !IsDiskFile(descriptor)) {
         return std::nullopt;
     }
-    return ReadAll(*MakeDiskFile(std::move(descriptor), FileAccess::kRead, path), path);
+    return ReadAll(*MakeDiskFile(std::move(descriptor), FileAccess::kRead, path, path), path);
 }
 
 std::unique_ptr<File> WaitToReplace(const std::string& path) {

@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "platform/MediumWatch.h"
 #include "platform/windows/FileState.h"
 #include "platform/windows/OpenHandle.h"
 #include "platform/windows/PositionedFile.h"
@@ -25,8 +26,8 @@ OVERLAPPED AtPosition(int64_t position) {
 
 class DiskFile final : public PositionedFile {
   public:
-    DiskFile(Handle handle, FileAccess access, const std::string& path)
-        : PositionedFile(path), fHandle(std::move(handle)), fAccess(access) {}
+    DiskFile(Handle handle, FileAccess access, const std::string& path, const std::string& pathOnDisk)
+        : PositionedFile(path), fHandle(std::move(handle)), fAccess(access), fPathOnDisk(pathOnDisk) {}
 
     int64_t GetLength() override {
         LARGE_INTEGER length = {};
@@ -47,6 +48,7 @@ class DiskFile final : public PositionedFile {
     }
 
     void Flush() override {
+        AnnounceChange(MediumChange::kFlush, fPathOnDisk);
         // A file opened for reading has nothing to hand on, and the system would refuse to try.
         if (fAccess == FileAccess::kReadWrite && !FlushFileBuffers(fHandle.Get())) {
             ThrowLastError(GetPath());
@@ -78,6 +80,7 @@ class DiskFile final : public PositionedFile {
     }
 
     uint32_t WriteAt(int64_t position, const void* bytes, uint32_t count) override {
+        AnnounceChange(MediumChange::kWrite, fPathOnDisk);
         OVERLAPPED place = AtPosition(position);
         DWORD put = 0;
         if (!WriteFile(fHandle.Get(), bytes, count, &put, &place)) {
@@ -93,6 +96,7 @@ class DiskFile final : public PositionedFile {
         if (fAccess == FileAccess::kRead) {
             ThrowFileError(ERROR_ACCESS_DENIED, GetPath());
         }
+        AnnounceChange(MediumChange::kSetLength, fPathOnDisk);
         LARGE_INTEGER end = {};
         end.QuadPart = length;
         if (!SetFilePointerEx(fHandle.Get(), end, nullptr, FILE_BEGIN) || !SetEndOfFile(fHandle.Get())) {
@@ -103,6 +107,7 @@ class DiskFile final : public PositionedFile {
   private:
     Handle fHandle;
     FileAccess fAccess;
+    std::string fPathOnDisk;
 };
 
 Handle RequireDiskFile(HANDLE opened, const std::string& path) {
@@ -125,20 +130,22 @@ Handle OpenExistingFile(const std::string& path, FileAccess access) {
                            path);
 }
 
-std::unique_ptr<File> MakeDiskFile(Handle handle, FileAccess access, const std::string& path) {
-    return std::make_unique<DiskFile>(std::move(handle), access, path);
+std::unique_ptr<File> MakeDiskFile(Handle handle, FileAccess access, const std::string& path,
+                                   const std::string& pathOnDisk) {
+    return std::make_unique<DiskFile>(std::move(handle), access, path, pathOnDisk);
 }
 
 std::unique_ptr<File> OpenDiskFile(const std::string& path, FileAccess access) {
-    return MakeDiskFile(OpenExistingFile(path, access), access, path);
+    return MakeDiskFile(OpenExistingFile(path, access), access, path, path);
 }
 
 std::unique_ptr<File> CreateDiskFile(const std::string& path) {
     constexpr DWORD kSharedWithNobody = 0;
+    AnnounceChange(MediumChange::kCreateFile, path);
     Handle handle = RequireDiskFile(CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, kSharedWithNobody,
                                                 nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr),
                                     path);
-    return MakeDiskFile(std::move(handle), FileAccess::kReadWrite, path);
+    return MakeDiskFile(std::move(handle), FileAccess::kReadWrite, path, path);
 }
 
 }  // namespace Vantor::Platform

@@ -8,7 +8,9 @@
 
 namespace Vantor::Platform {
 
-// The disk file of a handle that was opened for `access`. Its failures name `path`.
-std::unique_ptr<File> MakeDiskFile(Handle handle, FileAccess access, const std::string& path);
+// The disk file of a handle that was opened for `access`. Its failures name `path`; `pathOnDisk` is where it
+// is.
+std::unique_ptr<File> MakeDiskFile(Handle handle, FileAccess access, const std::string& path,
+                                   const std::string& pathOnDisk);
 
 }  // namespace Vantor::Platform

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include "platform/windows/QuietErrors.h"
+
 namespace Vantor::Platform {
 
 namespace {
@@ -32,22 +34,10 @@ bool IsFullPath(const std::string& path) {
     return path.find(':') == kBehindLetter || path.starts_with(R"(\\)");
 }
 
-// A library that is missing is an answer, not a reason to ask the user for it.
-class QuietErrors {
-  public:
-    QuietErrors() { SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, &fPrevious); }
-    ~QuietErrors() { SetThreadErrorMode(fPrevious, nullptr); }
-    QuietErrors(const QuietErrors&) = delete;
-    QuietErrors& operator=(const QuietErrors&) = delete;
-
-  private:
-    DWORD fPrevious = 0;
-};
-
 }  // namespace
 
 std::unique_ptr<DynamicLibrary> DynamicLibrary::Load(const std::string& path) {
-    const QuietErrors quiet;
+    const QuietErrors quiet;  // one that is missing is an answer
     const DWORD flags = IsFullPath(path) ? LOAD_WITH_ALTERED_SEARCH_PATH : 0;
     const HMODULE library = LoadLibraryExA(path.c_str(), nullptr, flags);
     if (library == nullptr) return nullptr;

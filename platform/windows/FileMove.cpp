@@ -1,6 +1,7 @@
 #include <windows.h>
 
 #include "platform/FileSystem.h"
+#include "platform/MediumWatch.h"
 #include "platform/windows/Handle.h"
 #include "platform/windows/Neighbour.h"
 #include "platform/windows/SystemError.h"
@@ -12,6 +13,7 @@ namespace {
 // A full disk is the target's failure; whatever keeps the source from being read is the source's.
 void Copy(const std::string& from, const std::string& neighbour, const std::string& to) {
     constexpr BOOL kMayExist = FALSE;
+    AnnounceChange(MediumChange::kWrite, neighbour);
     if (!CopyFileA(from.c_str(), neighbour.c_str(), kMayExist)) {
         const DWORD error = GetLastError();
         const bool isOfTarget = CauseOfError(error) == FileException::Cause::kDiskFull;
@@ -26,6 +28,7 @@ void FlushCopy(const std::string& neighbour, const std::string& to, DWORD droppe
     SetFileAttributesA(neighbour.c_str(), FILE_ATTRIBUTE_NORMAL);
     Handle handle(CreateFileA(neighbour.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                               FILE_ATTRIBUTE_NORMAL, nullptr));
+    AnnounceChange(MediumChange::kFlush, neighbour);
     if (!handle.IsOpen() || !FlushFileBuffers(handle.Get()) || !handle.Close()) {
         ThrowLastError(to);
     }
@@ -47,7 +50,9 @@ void PutCopyInPlace(const std::string& from, const std::string& to, DWORD droppe
 // file.
 void MoveToOtherVolume(const std::string& from, const std::string& to) {
     PutCopyInPlace(from, to, 0);
-    DeleteFileA(from.c_str());
+    if (MayChange(MediumChange::kRemoveFile, from)) {
+        DeleteFileA(from.c_str());
+    }
 }
 
 }  // namespace
@@ -56,6 +61,7 @@ void MoveFileReplacing(const std::string& from, const std::string& to) {
     if (GetFileAttributesA(from.c_str()) == INVALID_FILE_ATTRIBUTES) {
         ThrowLastError(from);
     }
+    AnnounceChange(MediumChange::kMove, from, to);
     if (MoveFileExA(from.c_str(), to.c_str(), kMoveFlags)) {
         return;
     }

@@ -10,6 +10,8 @@
 #include "platform/Clock.h"
 #include "platform/FileSystem.h"
 #include "platform/LaterTime.h"
+#include "platform/MediumWatch.h"
+#include "platform/NeighbourName.h"
 #include "platform/windows/DiskFile.h"
 #include "platform/windows/FileState.h"
 #include "platform/windows/Neighbour.h"
@@ -71,9 +73,12 @@ std::string FindTarget(const std::string& path) {
 
 // The claim on a file: another one beside it, which one program at a time can have, and which goes when that
 // program is done or ends. A program that ended without the system's help leaves a file that is nobody's.
+// A link of that name is claimed, and goes, itself: what it leads to is not ours to remove.
 Handle TryClaim(const std::string& claimPath) {
+    AnnounceChange(MediumChange::kCreateFile, claimPath);
+    constexpr DWORD kFlags = FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT;
     return Handle(CreateFileA(claimPath.c_str(), GENERIC_READ | GENERIC_WRITE, kSharedWithNobody, nullptr,
-                              OPEN_ALWAYS, FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr));
+                              OPEN_ALWAYS, kFlags, nullptr));
 }
 
 bool IsThere(const std::string& path) {
@@ -159,17 +164,21 @@ std::unique_ptr<File> OpenDiskFileToReplace(const std::string& path) {
     return std::make_unique<ClaimedFile>(std::move(claim), OpenDiskFile(path, FileAccess::kReadWrite));
 }
 
-bool IsClaim(const std::string& path) {
-    return path.ends_with(kClaimSuffix) && PathExists(path.substr(0, path.size() - kClaimSuffix.size()));
+bool IsUnfinished(const std::string& path) {
+    const bool isClaim =
+        path.ends_with(kClaimSuffix) && PathExists(path.substr(0, path.size() - kClaimSuffix.size()));
+    return isClaim || IsNameOfNeighbour(path);
 }
 
 class FileReplacement::State {
   public:
-    State(const std::string& path, const std::string& target)
+    State(const std::string& path, const std::string& target, Place place)
         : fPath(path),
           fTarget(target),
+          fIsReplacing(place == Place::kAny && PathExists(target)),
           fNeighbour(target),
-          fFile(MakeDiskFile(OpenNeighbour(fNeighbour.GetPath(), path), FileAccess::kReadWrite, path)) {}
+          fFile(MakeDiskFile(OpenNeighbour(fNeighbour.GetPath(), path), FileAccess::kReadWrite, path,
+                             fNeighbour.GetPath())) {}
 
     const std::string& GetPath() const { return fPath; }
     File& GetFile() { return *fFile; }
@@ -204,8 +213,11 @@ class FileReplacement::State {
     void WaitForPlace() {
         Clock& clock = Clock::Current();
         const auto end = clock.Now() + kLongestWait;
-        while (!fNeighbour.TakePlaceOfTarget()) {
+        while (!(fIsReplacing ? fNeighbour.TakePlaceOfTarget() : fNeighbour.TakeFreePlace())) {
             const DWORD error = GetLastError();
+            if (error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS) {
+                ThrowFileError(ERROR_SHARING_VIOLATION, fPath);
+            }
             if (!IsTransient(error) || clock.Now() >= end) {
                 ThrowFileError(WhyNotReplaced(error, fTarget), fPath);
             }
@@ -215,15 +227,16 @@ class FileReplacement::State {
 
     std::string fPath;    // as the caller gave it
     std::string fTarget;  // the same, links followed
+    bool fIsReplacing;    // there was a file at the beginning
     Neighbour fNeighbour;
     std::unique_ptr<File> fFile;  // closed before its path is removed
 };
 
-FileReplacement::FileReplacement(const std::string& path) {
+FileReplacement::FileReplacement(const std::string& path, Place place) {
     const std::string target = FindTarget(path);
     RequireReplaceable(target, path);
     try {
-        fState = std::make_unique<State>(path, target);
+        fState = std::make_unique<State>(path, target, place);
     } catch (const FileException& error) {
         throw error.WithFileName(path);
     }

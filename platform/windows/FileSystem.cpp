@@ -8,7 +8,9 @@
 #include <utility>
 
 #include "platform/CodePage.h"
+#include "platform/MediumWatch.h"
 #include "platform/windows/FileState.h"
+#include "platform/windows/Handle.h"
 #include "platform/windows/SystemError.h"
 
 namespace Vantor::Platform {
@@ -89,6 +91,7 @@ bool IsSameFile(const std::string& first, const std::string& second) {
 }
 
 void CreateFolder(const std::string& path) {
+    AnnounceChange(MediumChange::kCreateFolder, path);
     if (!CreateDirectoryA(path.c_str(), nullptr)) {
         ThrowLastError(path);
     }
@@ -117,6 +120,7 @@ std::optional<std::vector<FolderEntry>> ReadFolder(const std::string& path) {
 }
 
 void RemoveFolder(const std::string& path) {
+    AnnounceChange(MediumChange::kRemoveFolder, path);
     if (!RemoveDirectoryA(path.c_str())) {
         ThrowLastError(path);
     }
@@ -127,7 +131,20 @@ uint64_t GetFreeBytes(const std::string& path) {
     return GetDiskFreeSpaceExA(path.c_str(), &freeToCaller, nullptr, nullptr) ? freeToCaller.QuadPart : 0;
 }
 
+void FlushFiles(const std::vector<std::string>& paths) {
+    constexpr DWORD kSharedWithAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    for (const std::string& path : paths) {
+        AnnounceChange(MediumChange::kFlush, path);
+        const Handle file(CreateFileA(path.c_str(), GENERIC_WRITE, kSharedWithAll, nullptr, OPEN_EXISTING,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr));
+        if (file.IsOpen() && !FlushFileBuffers(file.Get())) {
+            ThrowLastError(path);
+        }
+    }
+}
+
 void RemoveFile(const std::string& path) {
+    AnnounceChange(MediumChange::kRemoveFile, path);
     if (!DeleteFileA(path.c_str())) {
         ThrowLastError(path);
     }
@@ -137,6 +154,7 @@ std::string MakeTemporaryFile(const std::string& prefix) {
     constexpr UINT kUniqueNumber = 0;
     std::array<char, MAX_PATH + 1> folder = {};
     std::array<char, MAX_PATH> path = {};
+    AnnounceChange(MediumChange::kCreateFile, prefix);
     const DWORD length = GetTempPathA(static_cast<DWORD>(folder.size()), folder.data());
     if (length == 0 || length > folder.size() ||
         GetTempFileNameA(folder.data(), prefix.c_str(), kUniqueNumber, path.data()) == 0) {

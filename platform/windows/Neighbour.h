@@ -23,7 +23,12 @@ class Neighbour {
     // GetLastError, on failure.
     bool TakePlaceOfTarget();
 
+    // The same where there was no target. One that somebody else has made since is not replaced.
+    bool TakeFreePlace();
+
   private:
+    bool Move(DWORD flags);
+
     std::string fTarget;
     std::array<char, MAX_PATH> fPath = {};
     bool fIsInPlace = false;

@@ -6,24 +6,13 @@
 
 #include "platform/Ascii.h"
 #include "platform/FileSystem.h"
+#include "platform/windows/QuietErrors.h"
 
 namespace Vantor::Platform {
 
 namespace {
 
 constexpr const char* kNetworkName = "\\\\";
-
-// A drive without a medium is an answer here, and nothing that a box should tell the user.
-class QuietErrors {
-  public:
-    QuietErrors() { SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, &fPrevious); }
-    ~QuietErrors() { SetThreadErrorMode(fPrevious, nullptr); }
-    QuietErrors(const QuietErrors&) = delete;
-    QuietErrors& operator=(const QuietErrors&) = delete;
-
-  private:
-    DWORD fPrevious = 0;
-};
 
 std::string DriveName(char letter) { return {UpperCase(letter), ':', '\\'}; }
 

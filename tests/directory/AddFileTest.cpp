@@ -106,11 +106,12 @@ TEST_F(AddFileTest, LeavesOutWhatIsNoneOfItsFiles) {
     const std::pair<const char*, Bytes> files[] = {{"CD/TEXT", BytesOf(std::string(3000, 'x'))},
                                                    {"CD/EMPTY", {}},
                                                    {"CD/OTHER", File(Uids::kMediaStorageDirectory).Build()},
+                                                   {"CD/VNT1A2B.tmp", File(kImage).Build()},
                                                    {"CDX/OUTSIDE", File(kImage).Build()},
                                                    {"CD/../OUTSIDE", File(kImage).Build()}};
     for (const auto& [name, content] : files) fFolder.WriteFile(name, content);
-    for (const char* const name : {"CD/TEXT", "CD/EMPTY", "CD/OTHER", "CDX/OUTSIDE", "OUTSIDE",
-                                   "CD/../OUTSIDE", "CD/MISSING", "CD/DICOMDIR", "CD"}) {
+    for (const char* const name : {"CD/TEXT", "CD/EMPTY", "CD/OTHER", "CD/VNT1A2B.tmp", "CDX/OUTSIDE",
+                                   "OUTSIDE", "CD/../OUTSIDE", "CD/MISSING", "CD/DICOMDIR", "CD"}) {
         EXPECT_EQ(fDirectory->AddFile(fFolder.PathOf(name)), nullptr) << name;
     }
     EXPECT_EQ(fDirectory->GetPatientDocs()->GetCount(), 0);

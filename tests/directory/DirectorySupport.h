@@ -6,12 +6,20 @@
 #include <tuple>
 
 #include "directory/TDicomDirectory.h"
+#include "platform/PathStyle.h"
 #include "tests/support/DicomSupport.h"
 #include "tests/support/DirectoryBuilder.h"
 #include "tests/support/TestClock.h"
 #include "tests/support/TestFolder.h"
 
 namespace VantorTest {
+
+inline const std::string kSeparator(1, Vantor::Platform::PathStyle::OfPlatform().GetSeparator());
+
+// As the library spells the names that it makes.
+inline std::string Spelled(const std::string& name) {
+    return Vantor::Platform::PathStyle::OfPlatform().NameToMake(name);
+}
 
 inline std::unique_ptr<Vantor::TDicomDirectory> Load(const TestFolder& folder, const Bytes& content) {
     const Vantor::TFileSpec spec(folder.WriteFile("DICOMDIR", content));

@@ -4,7 +4,6 @@
 
 #include "dicom/TSRFile.h"
 #include "platform/FileSystem.h"
-#include "platform/PathStyle.h"
 #include "tests/directory/DirectorySupport.h"
 
 namespace {
@@ -12,9 +11,6 @@ namespace {
 using namespace Vantor;
 using namespace VantorTest;
 using Names = std::vector<std::string>;
-
-// On disk, and in file IDs, as the platform spells the names that the library makes.
-std::string Spelled(const std::string& name) { return Platform::PathStyle::OfPlatform().NameToMake(name); }
 
 class NumberedDirectory : public TDicomDirectory {
   public:

@@ -50,6 +50,7 @@ TEST(RecordLoader, LoadsEveryEncodingInTreeOrder) {
             EXPECT_EQ(TreesOf(*directory->GetImageDocs()), "i4 i5 i6(x11)");
             EXPECT_EQ(TreesOf(*directory->GetRawDataDocs()), "r8");
             EXPECT_EQ(TreesOf(*directory->GetSRDocs()), "d10");
+            EXPECT_FALSE(directory->HasLostRecords());
         }
     }
 }
@@ -128,6 +129,10 @@ TEST(RecordLoader, GoesOnAroundDamagedLinks) {
         damage(media);
         const auto directory = Load(folder, media.Build());
         EXPECT_EQ(TreesOf(*directory), expected) << name;
+        const std::string_view damageName = name;
+        EXPECT_EQ(directory->HasLostRecords(),
+                  damageName.ends_with("nowhere") || damageName.starts_with("next into"))
+            << name;
         directory->RefreshDocs();
         EXPECT_EQ(TreesOf(*directory), expected) << name << ", again";
     }
@@ -145,13 +150,17 @@ TEST(RecordLoader, LoadsWhatIsLeftOfAMediumThatBreaksOff) {
         while (wholeRecords < 6 && media.OffsetOf(wholeRecords + 1) <= size) ++wholeRecords;
         EXPECT_EQ(directory->GetPatientDocs()->GetCount(), wholeRecords > 0 ? 1 : 0) << size;
         EXPECT_EQ(directory->GetImageDocs()->GetCount(), std::max(wholeRecords - kFirstImage, 0)) << size;
+        EXPECT_TRUE(directory->HasLostRecords()) << size;
     }
     std::set<std::string> outcomes;
     for (size_t size = 0; size < media.OffsetOf(0); ++size) {
         std::string tree;
         const auto cut = whole.begin() + static_cast<std::ptrdiff_t>(size);
-        const std::string thrown =
-            ThrownBy([&] { tree = TreesOf(*Load(folder, Bytes(whole.begin(), cut))); });
+        const std::string thrown = ThrownBy([&] {
+            const auto directory = Load(folder, Bytes(whole.begin(), cut));
+            tree = TreesOf(*directory);
+            EXPECT_TRUE(directory->HasLostRecords()) << size;
+        });
         outcomes.insert(thrown + tree);
     }
     const std::set<std::string> expected = {"nothing", "102 Invalid Dicom File",

@@ -4,7 +4,6 @@
 
 #include "dicom/TSRFile.h"
 #include "platform/FileSystem.h"
-#include "platform/PathStyle.h"
 #include "tests/directory/DirectorySupport.h"
 
 namespace {
@@ -22,7 +21,6 @@ Bytes Medium(bool isExam = false) {
     return media.Build();
 }
 
-const std::string kSeparator(1, Platform::PathStyle::OfPlatform().GetSeparator());
 constexpr char kTree[] = "P1(S2(s3(i4)))";
 
 class TFolderDirectoryTest : public testing::Test {
@@ -255,14 +253,13 @@ TEST_F(TFolderDirectoryTest, StaysAFolderWithTheNamesOfTheStandardLayout) {
     fDirectory->RefreshDocs();
     EXPECT_EQ(fDirectory->GetDirectoryType(), TDicomDirectory::kFolderDirectory);
     for (int time = 0; time < 2; ++time) fDirectory->CreateImageFolder("Pictures");
-    const auto spelled = [](const char* name) { return Platform::PathStyle::OfPlatform().NameToMake(name); };
-    const std::string pictures = fFolder.PathOf(spelled("Pictures"));
+    const std::string pictures = fFolder.PathOf(Spelled("Pictures"));
     EXPECT_TRUE(Platform::IsFolder(pictures));
     EXPECT_EQ(fDirectory->GetImageFolderFullPath(), pictures);
     char path[TFileSpec::kPathSize] = {};
     uint32_t length = 0;
     fDirectory->MakeNextFileName(path, length, TSRFile::kReportKind);
-    EXPECT_EQ(path, spelled("Imagesdc\\SR000000.dcm"));
+    EXPECT_EQ(path, Spelled("Imagesdc\\SR000000.dcm"));
     fDirectory->CreateExamFolders(path, sizeof(path), 0, nullptr);
     EXPECT_STREQ(path, "");
 }

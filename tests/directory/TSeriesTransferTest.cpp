@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "platform/FileSystem.h"
-#include "platform/PathStyle.h"
 #include "tests/directory/DirectorySupport.h"
 #include "tests/support/MemoryStorage.h"
 
@@ -14,8 +13,6 @@ using namespace VantorTest;
 using Numbers = std::vector<int32_t>;
 
 constexpr size_t kChunk = 65536;
-
-std::string Spelled(const std::string& name) { return Platform::PathStyle::OfPlatform().NameToMake(name); }
 
 template <typename Doc>
 Doc* First(TListOf<Doc>* docs) {

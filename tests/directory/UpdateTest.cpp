@@ -263,6 +263,27 @@ TEST_F(UpdateTest, KeepsTheElementsBesideTheRecords) {
     }
 }
 
+// Whoever writes it anew from what is in memory must not bring an old name back.
+TEST_F(UpdateTest, TakesTheNameThatAnotherProgramHasGivenIt) {
+    char name[TDicomDirectory::kDirectoryNameSize] = {};
+    for (const bool isUpdate : {false, true}) {
+        Open(Medium().Build());
+        FileBuilder renamed(Uids::kExplicitVRLittleEndian, Uids::kMediaStorageDirectory);
+        renamed.Data().Text(Tags::kFileSetID, Vr::kCS, "RENAMED ");
+        Replace(renamed.Build(), 60);
+        EXPECT_TRUE(isUpdate ? fDirectory->OpenForUpdating() : fDirectory->ReloadIfChanged());
+        fDirectory->CloseFile();
+        fDirectory->GetDirName(name, sizeof(name));
+        EXPECT_STREQ(name, "RENAMED ");
+        FileBuilder unnamed(Uids::kExplicitVRLittleEndian, Uids::kMediaStorageDirectory);
+        unnamed.Data().Numbers16(Tags::kFileSetConsistencyFlag, Vr::kUS, {0});
+        Replace(unnamed.Build(), 120);
+        EXPECT_TRUE(fDirectory->ReloadIfChanged());
+        fDirectory->GetDirName(name, sizeof(name));
+        EXPECT_STREQ(name, "") << "it has none any more";
+    }
+}
+
 TEST_F(UpdateTest, WritesWhatIsLeftOfADamagedMedium) {
     const DirectoryBuilder media = FullMedium(kEncodings[0], Lengths::kUndefined, false);
     const Bytes whole = media.Build();

@@ -4,23 +4,17 @@
 
 #include <ctime>
 
+#include "tests/support/TestClock.h"
+
 namespace Vantor::Platform {
 
 TEST(Clock, IsTheSystemsUnlessReplaced) {
-    class StoppedClock : public Clock {
-      public:
-        std::chrono::steady_clock::time_point Now() override { return {}; }
-        std::optional<LocalTime> GetLocalTime() override { return std::nullopt; }
-        void Sleep(std::chrono::milliseconds) override {}
-    };
     constexpr std::chrono::milliseconds kRest(5);
     const auto before = Clock::Current().Now();
-    StoppedClock outer;
-    StoppedClock inner;
     {
-        const ReplacedClock outerReplacement(outer);
+        VantorTest::TestClock outer;
         {
-            const ReplacedClock innerReplacement(inner);
+            VantorTest::TestClock inner;
             EXPECT_EQ(&Clock::Current(), &inner);
         }
         EXPECT_EQ(&Clock::Current(), &outer);

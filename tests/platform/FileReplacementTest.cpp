@@ -126,6 +126,32 @@ TEST(FileReplacement, ManyAtOnceLoseNothing) {
 }
 
 // Windows replaces no file that is open, so a viewer that reads the DICOMDIR is waited for.
+// Of two programs that make the same new file, the second one must not take the first one's away.
+TEST(FileReplacement, DoesNotReplaceWhatSomebodyHasMadeMeanwhile) {
+    const TestFolder folder;
+    const std::string path = folder.PathOf("DICOMDIR");
+    FileReplacement late(path);
+    Replace(path, "made meanwhile");
+    EXPECT_EQ(FailureOf([&] { late.PutInPlace(nullptr); }), path + kInUse);
+    EXPECT_EQ(TextAt(path), "made meanwhile");
+}
+
+// What a program that was ended has left behind is no file of the medium.
+TEST(FileReplacement, TellsWhatIsNotFinished) {
+    const TestFolder folder;
+    const std::string path = folder.PathOf("DICOMDIR");
+    const FileReplacement replacement(path);
+    for (const std::string& name : folder.ListFiles()) EXPECT_TRUE(IsUnfinished(folder.PathOf(name))) << name;
+    EXPECT_FALSE(IsUnfinished(path));
+    const std::pair<const char*, bool> names[] = {
+        {"VNT1A.tmp", true},  {"vnt0123456789abc.TMP", true}, {"VNT0123456789ABCD.tmp", false},
+        {"VNT.tmp", false},   {"VNT 1.tmp", false},           {"VNT1.dcm", false},
+        {"AVNT1.tmp", false}, {"VNT1.tmp.dcm", false}};
+    for (const auto& [name, isUnfinished] : names) {
+        EXPECT_EQ(IsUnfinished(folder.PathOf(name)), isUnfinished) << name;
+    }
+}
+
 TEST(FileReplacement, WaitsForReaders) {
     const TestFolder folder;
     const std::string path = folder.WriteFile("DICOMDIR", "old");

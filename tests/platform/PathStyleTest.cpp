@@ -31,4 +31,41 @@ TEST(PathStyle, KnowsVolumesAndFullPathsOfBothSystems) {
     EXPECT_EQ(PathStyle::OfPlatform().GetSeparator(), VantorTest::kIsWindows ? '\\' : '/');
 }
 
+TEST(PathStyle, TellsPlainNames) {
+    struct Case {
+        std::string fName;
+        bool fIsPlainOnWindows;
+        bool fIsPlainOnPosix;
+    };
+    const Case cases[] = {{"I_000000.DCM", true, true},
+                          {"..X", true, true},
+                          {"CONSOLE", true, true},
+                          {"COM10", true, true},
+                          {"XNUL", true, true},
+                          {"M\xDCLLER", true, true},
+                          {"", false, false},
+                          {".", false, false},
+                          {"..", false, false},
+                          {"A/B", false, false},
+                          {std::string("A\0B", 3), false, false},
+                          {"A\\B", false, true},
+                          {"...", false, true},
+                          {"A.", false, true},
+                          {"A ", false, true},
+                          {"C:", false, true},
+                          {"A:B", false, true},
+                          {"A*", false, true},
+                          {"A\nB", false, true},
+                          {"con", false, true},
+                          {"Nul.dcm", false, true},
+                          {"AUX .X.Y", false, true},
+                          {"COM1", false, true},
+                          {"LPT\xB9", false, true},
+                          {"CONIN$", false, true}};
+    for (const auto& [name, isPlainOnWindows, isPlainOnPosix] : cases) {
+        EXPECT_EQ(WindowsPathStyle().IsPlainName(name), isPlainOnWindows) << name;
+        EXPECT_EQ(PosixPathStyle().IsPlainName(name), isPlainOnPosix) << name;
+    }
+}
+
 }  // namespace Vantor::Platform

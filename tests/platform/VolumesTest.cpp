@@ -37,23 +37,6 @@ TEST(Volumes, OfTheSystemHoldTheTestsFolder) {
     EXPECT_EQ(volumes.NameOf("relative") + volumes.NameOf("") + volumes.NameOf("1:\\x"), "");
 }
 
-TEST(Volumes, AreTheSystemsUnlessReplaced) {
-    class NoVolumes : public Volumes {
-        Names GetNames() override { return {}; }
-        DriveType GetType(const std::string&) override { return DriveType::kUnknown; }
-        std::optional<VolumeInfo> GetInfo(const std::string&) override { return std::nullopt; }
-        std::string NameOf(const std::string&) override { return {}; }
-    };
-    NoVolumes outer;
-    NoVolumes inner;
-    {
-        const ReplacedVolumes outerReplacement(outer);
-        { const ReplacedVolumes innerReplacement(inner); }
-        EXPECT_EQ(&Volumes::Current(), &outer);
-    }
-    EXPECT_EQ(&Volumes::Current(), &Volumes::OfSystem());
-}
-
 // A workstation, and what a container sees.
 TEST(MountTable, ListsWhatAPersonCallsADrive) {
     const std::vector<Mount> mounts = ReadMounts(

@@ -16,7 +16,8 @@ class Streams final : public TFilePlaces {
     TFileSpec Find(std::string_view fileID) const override {
         return TFileSpec(fileID.substr(0, fileID.find_last_not_of(' ') + 1), &fStorage);
     }
-    bool IsInside(const TFileSpec& fileSpec) const override { return fileSpec.fPath[0] != '.'; }
+    bool MayBeRemoved(const TFileSpec& fileSpec) const override { return fileSpec.fPath[0] != '.'; }
+    bool MayBeWritten(const TFileSpec& fileSpec) const override { return MayBeRemoved(fileSpec); }
 
   private:
     MemoryStorage& fStorage;

@@ -1,33 +1,22 @@
 #include "records/TDicomUtils.h"
 
-#include "platform/Clock.h"
 #include "records/TSeriesDoc.h"
 #include "records/TStudyDoc.h"
 #include "tests/records/FakeDirectory.h"
+#include "tests/support/TestClock.h"
 
 namespace VantorTest {
 
-using Time = std::optional<Platform::LocalTime>;
-// The time stands still while it is alive.
-class FixedClock final : public Platform::Clock {
-  public:
-    explicit FixedClock(Time time) : fTime(time), fInPlace(*this) {}
-    std::chrono::steady_clock::time_point Now() override { return {}; }
-    Time GetLocalTime() override { return fTime; }
-    void Sleep(std::chrono::milliseconds) override {}
-    Time fTime;
-    Platform::ReplacedClock fInPlace;
-};
 const TDicomUtils kUtils;
 
 TEST(TDicomUtils, StudiesAreNamedAfterTheTimeAndTheSeedsFirstComponents) {
     EXPECT_EQ(kUtils.GetRootUID(true) + kUtils.GetRootUID(false), "1.2.840.990017.990017");
-    const FixedClock none(std::nullopt);
+    const TestClock none(std::nullopt);
     EXPECT_EQ(kUtils.CreateNewStudyUID("") + TStudyDoc::MakeStudyID(), "1.2.840.990017.990017.1000.1000001");
-    const FixedClock may(Platform::LocalTime{2009, 5, 3, 9, 5, 7, 42});
+    const TestClock may(Platform::LocalTime{2009, 5, 3, 9, 5, 7, 42});
     EXPECT_EQ(kUtils.CreateNewStudyUID(""), "1.2.840.990017.990017.1503.190507");
     EXPECT_EQ(TStudyDoc::MakeStudyID(), "090503.090507042");
-    const FixedClock november(Platform::LocalTime{2024, 11, 15, 10, 30, 57, 0});
+    const TestClock november(Platform::LocalTime{2024, 11, 15, 10, 30, 57, 0});
     EXPECT_EQ(kUtils.CreateNewStudyUID(""), "1.2.840.990017.990017.1115.103057");
     // Seeds and what becomes of them. Where a dot follows at once there is no way on: what is there counts.
     std::istringstream cases(

@@ -6,13 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "host/LongTime.h"
-#include "host/ShortDate.h"
 #include "platform/CodePage.h"
 #include "sr/SRCodedContentItem.h"
 #include "sr/SRNumericContentItem.h"
 #include "sr/StructuredReportIOD.h"
 #include "tests/support/DicomSupport.h"
+#include "tests/support/HostFormats.h"
 #include "tests/support/ReportBuilder.h"
 #include "tests/support/TraceLines.h"
 
@@ -57,21 +56,9 @@ inline void AppendTree(Lines& lines, const SRContentItem& item) {
     EXPECT_FALSE(item.GetContentItem(-1, below));
 }
 
-// A report, and a host that shows dates as 2024-3-15 and times as seconds since midnight.
+// A report, and what is in it.
 class ReportTest : public testing::Test {
   protected:
-    ReportTest() {
-        VantorHost::ShortDate::SetFormatter([](std::chrono::year_month_day date) {
-            return std::to_wstring(int(date.year())) + L'-' + std::to_wstring(unsigned(date.month())) + L'-' +
-                   std::to_wstring(unsigned(date.day()));
-        });
-        VantorHost::LongTime::SetFormatter([](auto time) { return std::to_wstring(time.count()) + L's'; });
-    }
-    ~ReportTest() override {
-        VantorHost::ShortDate::SetFormatter(nullptr);
-        VantorHost::LongTime::SetFormatter(nullptr);
-    }
-
     const VantorWrappers::StructuredReportIOD& Read(Bytes bytes, const Encoding& encoding = kEncodings[0]) {
         fReport.reset();
         fBytes = std::move(bytes);
@@ -109,6 +96,7 @@ class ReportTest : public testing::Test {
         return *item;
     }
 
+    HostFormats fFormats;
     Bytes fBytes;
     std::unique_ptr<Vantor::TDicomDataSet> fDataSet;
     std::unique_ptr<VantorWrappers::StructuredReportIOD> fReport;

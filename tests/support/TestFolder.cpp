@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 #include <random>
 #include <stdexcept>
 #include <system_error>
@@ -107,7 +106,10 @@ Bytes ReadWholeFile(const std::string& path) {
         ADD_FAILURE() << "cannot read " << path;
         return {};
     }
-    return Bytes(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+    Bytes content(static_cast<size_t>(fs::file_size(path)));
+    file.read(reinterpret_cast<char*>(content.data()), static_cast<std::streamsize>(content.size()));
+    content.resize(static_cast<size_t>(file.gcount()));
+    return content;
 }
 
 std::string ReadWholeFileAsText(const std::string& path) {

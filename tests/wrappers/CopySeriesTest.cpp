@@ -151,17 +151,6 @@ TEST_F(CopySeriesTest, FailuresOfTheDestinationAreToldApart) {
     }
 }
 
-// Another program that holds the DICOMDIR costs the records, and a second try brings them.
-TEST_F(CopySeriesTest, CanBeRepeatedWhenTheDICOMDIRWasHeld) {
-    auto held = Platform::OpenDiskFile(fFolder.PathOf("D/DICOMDIR"), Platform::FileAccess::kReadWrite);
-    const TestClock clock;
-    EXPECT_EQ(Copy(), Fatal(ErrorNumber::CopySeriesDirUpdateFailure));
-    EXPECT_EQ(Tree(*fDestination), "");
-    held.reset();
-    EXPECT_EQ(Copy(), kSuccess);
-    ExpectCopied();
-}
-
 // A host's window may be closed while it shows progress.
 TEST_F(CopySeriesTest, HandlersMayLetGoOfEverything) {
     const LuminaError failure = Fatal(ErrorNumber::CopySeriesFailure);

@@ -12,6 +12,7 @@
 #include "platform/CodePage.h"
 #include "platform/File.h"
 #include "tests/support/FileBuilder.h"
+#include "wrappers/DicomFileInfo.h"
 
 namespace {
 
@@ -47,7 +48,7 @@ class ImageFileEditorTest : public testing::Test {
         const std::string uid = UidOf(number);
         FileBuilder file(syntax, FileBuilder::kSecondaryCapture, uid);
         file.Meta()
-            .Text({0x0002, 0x0005}, Vr::kLO, "4711")
+            .Text({0x0002, 0x0005}, Vr::kLO, "47-11")
             .Text(kImplementationVersion, Vr::kSH, "ANOTHER 1.0");
         std::vector<Bytes> items;
         items.reserve(references.size());
@@ -65,7 +66,7 @@ class ImageFileEditorTest : public testing::Test {
             file.Data().Sequence(Tags::kSourceImageSequence, items, ElementBuilder::Lengths::kUndefined);
         file.Data()
             .Text(Tags::kPatientName, Vr::kPN, fName)
-            .Text(Tags::kPatientID, Vr::kLO, "4711-0815")
+            .Text(Tags::kPatientID, Vr::kLO, "47-11-0815")
             .Text(Tags::kStudyInstanceUID, Vr::kUI, "1.2.3.1")
             .Text(Tags::kSeriesInstanceUID, Vr::kUI, "1.2.3.2")
             .Text(Tags::kNumberOfFrames, Vr::kIS, "3");
@@ -76,7 +77,7 @@ class ImageFileEditorTest : public testing::Test {
             end.Value(Tags::kPixelData, Vr::kOB, BytesOf("pixels of three frames"));
         }
         fPixels = end.GetBytes();
-        end.Value(kPadding, Vr::kOB, BytesOf("4711-0815."));
+        end.Value(kPadding, Vr::kOB, BytesOf("47-11-0815."));
         fPixelsAndRest = end.GetBytes();
         file.Data().Raw(fPixelsAndRest);
         return fFolder.WriteFile(std::to_string(number), file.Build());
@@ -153,7 +154,7 @@ TEST_F(ImageFileEditorTest, DeIdentifiesWhatIsNotSet) {
         EXPECT_EQ(WriteAll(editor, copy), 0);
         const Bytes bytes = ReadWholeFile(copy);
         EXPECT_TRUE(Ends(bytes, fPixels)) << "nothing behind the pixels";
-        for (const std::string trace : {"4711", "Old", "No", "1.2.3.2", "1.2.3.3"}) {
+        for (const std::string trace : {"47-11", "Old", "No", "1.2.3.2", "1.2.3.3"}) {
             const Bytes text = BytesOf(trace);
             EXPECT_EQ(std::search(bytes.begin(), bytes.end(), text.begin(), text.end()), bytes.end())
                 << trace;
@@ -163,8 +164,44 @@ TEST_F(ImageFileEditorTest, DeIdentifiesWhatIsNotSet) {
         const std::string uid = file.GetText(Tags::kSOPInstanceUID);
         EXPECT_EQ(ReferencesIn(copy), (std::vector<std::string>{uid})) << "to itself";
         EXPECT_EQ(file.GetMetaText(Tags::kMediaStorageSOPInstanceUID), uid);
-        EXPECT_EQ(TextIn(path, Tags::kPatientID), "4711-0815") << "the source is untouched";
+        EXPECT_EQ(TextIn(path, Tags::kPatientID), "47-11-0815") << "the source is untouched";
     }
+}
+
+// No reader does without them, and writers have given them other VRs.
+TEST_F(ImageFileEditorTest, DeIdentifiedFilesKeepWhatTheyAreReadBy) {
+    constexpr VrCode kOtherVr = MakeVr('T', 'I');
+    FileBuilder file;
+    file.ReplaceMeta(ElementBuilder()
+                         .Text(Tags::kMediaStorageSOPClassUID, kOtherVr, FileBuilder::kSecondaryCapture)
+                         .Text(Tags::kTransferSyntaxUID, Vr::kLO, Uids::kExplicitVRLittleEndian));
+    file.Data().Text(Tags::kPatientID, Vr::kLO, "47-11-0815");
+    const std::string path = fFolder.WriteFile("image", file.Build());
+    ImageFileEditor editor(Wide(path), fSaved);
+    editor.Set(Attribute::kPatientID, L"N7");
+    editor.DeIdentify(1);
+    ASSERT_EQ(WriteAll(editor, path), 0);
+    VantorWrappers::DicomFileInfo saved(Wide(path));
+    saved.Read();
+    EXPECT_EQ(saved.GetPatientId(), L"N7");
+    const TFileRewrite rewrite(path);
+    EXPECT_EQ(rewrite.GetMetaText(Tags::kMediaStorageSOPClassUID), FileBuilder::kSecondaryCapture);
+    EXPECT_EQ(rewrite.GetMetaText(Tags::kTransferSyntaxUID), Uids::kExplicitVRLittleEndian);
+}
+
+TEST_F(ImageFileEditorTest, FilesWithoutUidGetOneEverywhere) {
+    FileBuilder file;
+    file.ReplaceMeta(ElementBuilder()
+                         .Text(Tags::kMediaStorageSOPClassUID, Vr::kUI, FileBuilder::kSecondaryCapture)
+                         .Text(Tags::kTransferSyntaxUID, Vr::kUI, Uids::kExplicitVRLittleEndian));
+    file.Data().Text(Tags::kPatientID, Vr::kLO, "47-11-0815");
+    const std::string path = fFolder.WriteFile("image", file.Build());
+    ImageFileEditor editor(Wide(path), fSaved);
+    editor.Set(Attribute::kInstanceUID, L"1.2.3.4");
+    ASSERT_EQ(WriteAll(editor, path), 0);
+    const TFileRewrite saved(path);
+    EXPECT_EQ(saved.GetText(Tags::kSOPInstanceUID), "1.2.3.4");
+    EXPECT_EQ(saved.GetMetaText(Tags::kMediaStorageSOPInstanceUID), "1.2.3.4");
 }
 
 // The first image names two that are written later, one of which fails.

@@ -9,12 +9,11 @@
 
 #include "host/AccessGranting.h"
 #include "host/DamagedDirectory.h"
-#include "host/ShortDate.h"
 #include "platform/CodePage.h"
-#include "platform/PathStyle.h"
 #include "platform/Registry.h"
 #include "tests/directory/DirectorySupport.h"
 #include "tests/support/FakeVolumes.h"
+#include "tests/support/HostFormats.h"
 #include "tests/support/TraceLines.h"
 #include "wrappers/DirectoriesMgr.h"
 
@@ -32,14 +31,7 @@ using VantorWrappers::SeriesDirRec;
 inline constexpr LuminaError kSuccess;
 inline LuminaError Fatal(ErrorNumber number) { return {ErrorSeverity::Fatal, number}; }
 
-inline const std::string kSeparator(1, Vantor::Platform::PathStyle::OfPlatform().GetSeparator());
-
 inline HostString Wide(const std::string& text) { return Vantor::Platform::ToHostText(text); }
-
-// As the library spells the names that it makes.
-inline std::string Spelled(const std::string& name) {
-    return Vantor::Platform::PathStyle::OfPlatform().NameToMake(name);
-}
 
 // A workstation of a test's own: drives C and D, an empty registry, a trace that is read at warnings and
 // errors, a host that keeps notes instead of asking the user, and the manager of its directories.
@@ -53,16 +45,11 @@ class Workstation : public testing::Test {
         const auto grant = [this](const HostString& path) { fGranted.push_back(path); };
         VantorHost::AccessGranting::SetGranters(grant, grant);
         VantorHost::DamagedDirectory::SetHandler([this](const HostString& text) { fDamage.push_back(text); });
-        VantorHost::ShortDate::SetFormatter([](std::chrono::year_month_day date) {
-            return std::to_wstring(int(date.year())) + L'-' + std::to_wstring(unsigned(date.month())) + L'-' +
-                   std::to_wstring(unsigned(date.day()));
-        });
     }
     ~Workstation() override {
         fManager.reset();
         VantorHost::AccessGranting::SetGranters(nullptr, nullptr);
         VantorHost::DamagedDirectory::SetHandler(nullptr);
-        VantorHost::ShortDate::SetFormatter(nullptr);
     }
 
     DirectoriesMgr& Start(bool skipFloppy = false, bool isViewer = false, const HostString& volume = L"",
@@ -111,6 +98,7 @@ class Workstation : public testing::Test {
         directory.GetUmDirectory()->FindOrCreateDoc(&patient, error);
     }
 
+    HostFormats fFormats;
     TestFolder fFolder;
     TestFolder fRegistryFolder;
     FakeVolumes fVolumes;
