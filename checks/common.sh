@@ -33,6 +33,15 @@ build() (
     cmake --build "build/$preset" ${1:+--target "$@"}
 )
 
+# Where there is such a place. What a program leaves that crashed goes, too.
+keep_temporary_files_in_memory() {
+    local memory=/dev/shm
+    [ -w "$memory" ] || memory=build
+    TMPDIR=$(mktemp -d "$(realpath "$memory")/check.XXXXXX")
+    export TMPDIR
+    trap 'rm -rf "$TMPDIR"' EXIT
+}
+
 # A DICOM file that is no work of ours; Debian's python3-pydicom brings it.
 foreign_dicom_file() {
     dpkg -L python3-pydicom | grep '/CT_small\.dcm$' || fail "python3-pydicom brings no CT_small.dcm"

@@ -3,7 +3,6 @@
 // other one is the size of a frame.
 
 #include <algorithm>
-#include <cstdlib>
 #include <memory>
 
 #include "fuzz/FuzzInput.h"
@@ -15,6 +14,7 @@ namespace {
 
 using namespace Vantor;
 using namespace Vantor::Platform;
+using VantorFuzz::Require;
 
 constexpr size_t kChoices = 5;
 constexpr size_t kHeaders = 224;
@@ -52,10 +52,6 @@ VideoStream StreamOf(bool isCompressed) {
     stream.fRate = isCompressed;
     stream.fWidth = stream.fHeight = 1;
     return stream;
-}
-
-void Require(bool isRight) {
-    if (!isRight) std::abort();
 }
 
 }  // namespace

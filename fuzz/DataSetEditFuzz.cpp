@@ -2,7 +2,6 @@
 // chooses encoding and level, the second where the planted texts stand. What comes out must be elements
 // again, must not change when the same is done once more, and must not hold what was planted.
 
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
@@ -13,6 +12,7 @@
 namespace {
 
 using namespace Vantor;
+using VantorFuzz::Require;
 using VantorTest::Bytes;
 using VantorTest::ElementBuilder;
 
@@ -23,10 +23,6 @@ constexpr std::string_view kPlanted[] = {kName, "Zbyszko", kNumber};
 constexpr Tag kDescription{0x0018, 0x1060};
 constexpr Tag kPrivate{0x0019, 0x1001};
 constexpr std::string_view kReplacedRoot = "2.25.";
-
-void Check(bool isTrue) {
-    if (!isTrue) std::abort();
-}
 
 bool HoldsPlanted(std::span<const uint8_t> bytes) {
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
@@ -43,14 +39,14 @@ std::string ReplaceUid(std::string_view uid) {
 void CheckElements(const Bytes& bytes, Encoding encoding) {
     ElementReader reader(bytes, encoding);
     while (const auto element = reader.PeekHeader()) reader.Skip(*element);
-    Check(reader.GetPosition() == bytes.size());
+    Require(reader.GetPosition() == bytes.size());
 }
 
 void CheckUnchanged(const Bytes& bytes, Encoding encoding) {
     // Group lengths are made right, so only the second time nothing changes.
     const Bytes once = TDataSetEdit().Apply(bytes, encoding);
-    Check(once.size() == bytes.size());
-    Check(TDataSetEdit().Apply(once, encoding) == once);
+    Require(once.size() == bytes.size());
+    Require(TDataSetEdit().Apply(once, encoding) == once);
 }
 
 void CheckDeIdentified(const Bytes& bytes, Encoding encoding, TDeIdentification::Level level, bool holds) {
@@ -63,11 +59,11 @@ void CheckDeIdentified(const Bytes& bytes, Encoding encoding, TDeIdentification:
     // From here on nothing may fail.
     try {
         CheckElements(once, encoding);
-        Check(edit.Apply(once, encoding) == once);
+        Require(edit.Apply(once, encoding) == once);
     } catch (TException*) {
-        std::abort();
+        Require(false);
     }
-    if (!holds) Check(!HoldsPlanted(once));
+    if (!holds) Require(!HoldsPlanted(once));
 }
 
 }  // namespace

@@ -24,9 +24,9 @@ constexpr uint32_t kGrowBy = 16;
 
 class Machine {
   public:
-    Machine(const uint8_t* data, size_t size) : fNext(data), fEnd(data + size) {
-        const uint8_t form = Byte();
-        fContent = Take(Word());
+    Machine(const uint8_t* data, size_t size) : fInput(data, size) {
+        const uint8_t form = fInput.Byte();
+        fContent = fInput.Take(fInput.Word());
         const auto used = static_cast<int32_t>(fContent.size());
         const bool isExplicit = (form & 1) != 0;
         const bool isBigEndian = (form & 2) != 0;
@@ -40,19 +40,19 @@ class Machine {
         if ((form & 4) != 0) fSet->SetDictionary(kDictionary, sizeof(kDictionary) - 1);
     }
 
-    bool HasMore() const { return fNext != fEnd; }
+    bool HasMore() const { return fInput.HasMore(); }
 
     void Step() {
-        const uint8_t operation = Byte();
-        const uint8_t choice = Byte();
-        const Tag tag = choice < 0xF0 ? kTags[choice % std::size(kTags)] : Tag{Word(), Word()};
+        const uint8_t operation = fInput.Byte();
+        const uint8_t choice = fInput.Byte();
+        const Tag tag = choice < 0xF0 ? kTags[choice % std::size(kTags)] : Tag{fInput.Word(), fInput.Word()};
         const auto group = static_cast<uint16_t>(tag.fGroup + choice % 2);
         const char* creator = kCreators[choice / 4 % std::size(kCreators)];
-        VrCode vr = choice < 0xE0 ? kVrs[choice / 4 % std::size(kVrs)] : Word();
+        VrCode vr = choice < 0xE0 ? kVrs[choice / 4 % std::size(kVrs)] : fInput.Word();
         const auto at = static_cast<int32_t>(Number());
         const auto item = static_cast<int32_t>(Number());
         const uint32_t count = Number();
-        std::vector<uint8_t> bytes = Take(count % 0x100);
+        std::vector<uint8_t> bytes = fInput.Take(count % 0x100);
         const auto room = static_cast<uint32_t>(bytes.size());
         const uint32_t length = choice % 8 == 7 ? count : room;
         auto* text = reinterpret_cast<char*>(bytes.data());
@@ -88,27 +88,16 @@ class Machine {
     }
 
   private:
-    uint8_t Byte() { return HasMore() ? *fNext++ : uint8_t{0}; }
-    uint16_t Word() { return static_cast<uint16_t>(Byte() | Byte() << 8); }
-
     // An offset or length that was reported, a small one, or any.
     uint32_t Number() {
-        const uint8_t choice = Byte();
+        const uint8_t choice = fInput.Byte();
         if (choice < 0x80 && !fReported.empty())
             return fReported[fReported.size() - 1 - choice % fReported.size()];
-        if (choice == 0xFF) return Word() | static_cast<uint32_t>(Word()) << 16;
-        return choice == 0xFE ? Word() : choice % 0x80;
+        if (choice == 0xFF) return fInput.Number();
+        return choice == 0xFE ? fInput.Word() : choice % 0x80;
     }
 
-    // Up to `count` bytes of the input, in a block of just their size.
-    std::vector<uint8_t> Take(size_t count) {
-        const size_t taken = std::min(count, static_cast<size_t>(fEnd - fNext));
-        fNext += taken;
-        return VantorFuzz::ExactCopy(fNext - taken, taken);
-    }
-
-    const uint8_t* fNext;
-    const uint8_t* fEnd;
+    VantorFuzz::Choices fInput;
     std::vector<uint8_t> fContent;
     std::unique_ptr<TDicomDataSet> fSet;
     std::vector<uint32_t> fReported;

@@ -1,23 +1,69 @@
-// Arbitrary bytes as the start of a file: its meta information, from a stream as from a disk.
+// Arbitrary bytes as a file in a stream: its meta information is read, then all of it, which is copied byte
+// for byte, and what was read is the same when it is written and read again.
 
 #include "dicom/TDicomFile.h"
 #include "fuzz/FuzzInput.h"
 #include "tests/support/MemoryStorage.h"
 
+namespace {
+
+using namespace Vantor;
+using VantorFuzz::Require;
+using VantorFuzz::Run;
+using VantorTest::Bytes;
+using VantorTest::MemoryStorage;
+
+Bytes BytesOf(TDicomDataSet* dataSet) {
+    if (dataSet == nullptr) return {};
+    return {dataSet->GetDataSet(), dataSet->GetDataSet() + dataSet->GetDataSetSize()};
+}
+
+void CheckCopy(MemoryStorage& storage) {
+    const Bytes content = storage.GetContent("file");
+    const TFileSpec target("copy", &storage);
+    TDicomFile file(0, TFileSpec("file", &storage), 0);
+    int64_t left = 0;
+    Require(file.BeginCopy(target, left) == 0 && left == static_cast<int64_t>(content.size()));
+    while (left > 0) left = file.CopyNextChunk();
+    file.EndCopy(&target);
+    Require(storage.GetContent("copy") == content && storage.GetContent("file") == content);
+}
+
+void CheckWriting(TDicomFile& file, MemoryStorage& storage) {
+    file.OpenFile(Platform::FileAccess::kReadWrite);
+    file.WriteFile();
+    file.CloseFile();
+    TDicomFile again(0, TFileSpec("file", &storage), 0);
+    again.OpenFile(Platform::FileAccess::kRead);
+    Require(again.ReadFile());
+    Require(BytesOf(again.GetMetaDataSet()) == BytesOf(file.GetMetaDataSet()));
+    Require(BytesOf(again.GetDataSet()) == BytesOf(file.GetDataSet()));
+    again.CloseFile();
+}
+
+}  // namespace
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    VantorTest::MemoryStorage storage;
+    MemoryStorage storage;
     storage.SetContent("file", VantorFuzz::ExactCopy(data, size));
-    Vantor::TDicomFile file(0, Vantor::TFileSpec("file", &storage), 0);
-    VantorFuzz::Run([&] {
-        file.OpenFile(Vantor::Platform::FileAccess::kRead);
+    TDicomFile file(0, TFileSpec("file", &storage), 0);
+    bool isRead = false;
+    Run([&] {
+        file.OpenFile(Platform::FileAccess::kRead);
         file.ReadMetaHeader();
+        Require(file.GetHeaderSize() <= static_cast<int64_t>(size));
     });
-    VantorFuzz::Run([&] {
-        char uid[Vantor::kMaximumUidLength + 1];
+    Run([&] { isRead = file.ReadFile(); });
+    file.CloseFile();
+    // From here on nothing may fail but what the elements do not allow.
+    if (!isRead) return 0;
+    CheckCopy(storage);
+    CheckWriting(file, storage);
+    Run([&] {
+        char uid[kMaximumUidLength + 1];
         file.GetSOPClassUID(uid);
         file.SetSOPInstanceUID("1.2.3.4");
-        file.ReadFile();
+        CheckWriting(file, storage);
     });
-    file.CloseFile();
     return 0;
 }

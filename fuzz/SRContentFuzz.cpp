@@ -2,7 +2,6 @@
 // of neighbours, and every getter.
 
 #include <algorithm>
-#include <cstdlib>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,11 +14,8 @@
 namespace {
 
 using namespace Vantor;
+using VantorFuzz::Require;
 using namespace VantorWrappers;
-
-void Check(bool holds) {
-    if (!holds) std::abort();
-}
 
 // Gives the number of items. Walks without recursion of its own, so that it stands whatever depth the tree
 // has.
@@ -30,16 +26,16 @@ size_t Visit(const SRContentItem& root) {
         const auto [item, depth] = open.back();
         open.pop_back();
         ++count;
-        Check(depth <= SRContentItem::kDeepestNesting);
+        Require(depth <= SRContentItem::kDeepestNesting);
         const HostString number = item->GetNodeNumber();
-        Check(static_cast<size_t>(std::count(number.begin(), number.end(), L'.')) == depth - 1);
+        Require(static_cast<size_t>(std::count(number.begin(), number.end(), L'.')) == depth - 1);
         const SRContentItem* previous = item;
         const SRContentItem* child = nullptr;
         for (int32_t index = 0; item->GetContentItem(index, child); ++index) {
             bool hasMore = false;
             const bool areEqual = previous->EqualExceptDerivation(child, hasMore);
-            Check(!areEqual || previous->GetConceptName() == child->GetConceptName());
-            Check(child->EqualExceptDerivation(child, hasMore));
+            Require(!areEqual || previous->GetConceptName() == child->GetConceptName());
+            Require(child->EqualExceptDerivation(child, hasMore));
             open.emplace_back(child, depth + 1);
             previous = child;
         }
@@ -50,10 +46,10 @@ size_t Visit(const SRContentItem& root) {
 void Read(const TDicomDataSet& dataSet) {
     // None of these may throw, so nothing is caught here.
     const StructuredReportIOD report(&dataSet);
-    Check(report.IsValid() == (report.GetRootContentItem() != nullptr));
+    Require(report.IsValid() == (report.GetRootContentItem() != nullptr));
     if (report.IsValid()) {
         const StructuredReportIOD again(&dataSet);
-        Check(again.IsValid() && Visit(*again.GetRootContentItem()) == Visit(*report.GetRootContentItem()));
+        Require(again.IsValid() && Visit(*again.GetRootContentItem()) == Visit(*report.GetRootContentItem()));
     }
     report.GetSRDateTime();
     report.GetPatientName();

@@ -12,9 +12,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     char text[64];
     uint32_t length = 0;
     report.CheckForQuantixReport();
-    if (report.GetQuantixReportSize(length) && length < size) {
+    if (report.GetQuantixReportSize(length)) {
+        VantorFuzz::Require(length <= size);
         std::vector<uint8_t> block(length);
-        report.GetQuantixReport(block.data(), length);
+        VantorFuzz::Require(report.GetQuantixReport(block.data(), length));
     }
     report.IsSRModality();
     report.GetContentDate(text, sizeof(text), 0);

@@ -113,6 +113,16 @@ void WriteCopies(const SeedFolder& seeds, const std::string& name, const Bytes& 
     }
 }
 
+// The choices of ImageEditFuzz in front: level, texts, in its place.
+void WriteEdits(const SeedFolder& seeds, const std::string& name, const Bytes& file) {
+    constexpr uint8_t kTexts = 4, kInPlace = 8;
+    for (const int choice : {0, kTexts + 0, kTexts + 1, kInPlace + 0, kInPlace + kTexts + 2}) {
+        Bytes seed = {static_cast<uint8_t>(choice)};
+        seed.insert(seed.end(), file.begin(), file.end());
+        seeds.Write("ImageEditFuzz", name + std::to_string(choice), seed);
+    }
+}
+
 // A file of each kind that a directory tells apart.
 void WriteEntered(const SeedFolder& seeds, const Syntax& syntax) {
     constexpr std::pair<const char*, const char*> kKinds[] = {
@@ -130,8 +140,9 @@ void WriteEntered(const SeedFolder& seeds, const Syntax& syntax) {
                 .Text(Tags::kStudyInstanceUID, Vr::kUI, "1.2")
                 .Text(Tags::kSeriesInstanceUID, Vr::kUI, "1.2.1");
             if (hasPixels) file.Data().Value(Tags::kPixelData, Vr::kOW, {1, 2});
-            seeds.Write("FileRecordsFuzz", syntax.fName + (modality + std::to_string(hasPixels)),
-                        file.Build());
+            const std::string name = syntax.fName + (modality + std::to_string(hasPixels));
+            seeds.Write("FileRecordsFuzz", name, file.Build());
+            seeds.Write("FileInfoFuzz", name, file.Build());
         }
     }
 }
@@ -148,6 +159,7 @@ void WriteFiles(const SeedFolder& seeds) {
         file.Data().Value(Tags::kPixelData, Vr::kOW, {1, 2, 3, 4, 5, 6, 7, 8});
         seeds.Write("ImageReaderFuzz", syntax.fName, file.Build());
         WriteCopies(seeds, syntax.fName, file.Build());
+        WriteEdits(seeds, syntax.fName, file.Build());
     }
     for (const bool hasTable : {false, true}) {
         FileBuilder file(kJpegBaseline);
@@ -157,11 +169,22 @@ void WriteFiles(const SeedFolder& seeds) {
         const char* name = hasTable ? "jpeg-table" : "jpeg";
         seeds.Write("ImageReaderFuzz", name, file.Build());
         WriteCopies(seeds, name, file.Build());
+        WriteEdits(seeds, name, file.Build());
     }
+    // What is compressed as a whole, and what nobody knows.
+    for (const char* const syntax : {"1.2.840.10008.1.2.1.99", "1.2.3.4"}) {
+        FileBuilder file(syntax);
+        file.Data().Text(Tags::kModality, Vr::kCS, "US").Value(Tags::kPixelData, Vr::kOW, {1, 2});
+        for (const char* target : {"MetaHeaderFuzz", "ImageReaderFuzz", "FileInfoFuzz"})
+            seeds.Write(target, syntax, file.Build());
+        WriteEdits(seeds, syntax, file.Build());
+    }
+    // So long that the pixels are behind the half of the file that is seen first.
+    constexpr size_t kLongPalette = 400;
     FileBuilder palette;
     palette.Data()
         .Numbers16(Tags::kRedPaletteDescriptor, Vr::kUS, {0, 0, 16})
-        .Value({0x0028, 0x1201}, Vr::kOW, Bytes(64))
+        .Value({0x0028, 0x1201}, Vr::kOW, Bytes(kLongPalette))
         .Value(Tags::kPixelData, Vr::kOW, {1, 2});
     seeds.Write("ImageReaderFuzz", "palette", palette.Build());
 }
@@ -239,6 +262,46 @@ void WritePictures(const SeedFolder& seeds) {
     seeds.Write("FramePictureFuzz", "jpeg", file.Build());
 }
 
+void WriteMedium(const SeedFolder& seeds, const std::string& name, const Bytes& medium) {
+    constexpr uint8_t kChoices[] = {0, 1, 2, 6, 12};
+    for (const uint8_t choice : kChoices) {
+        Bytes update = {choice};
+        update.insert(update.end(), medium.begin(), medium.end());
+        seeds.Write("DirectoryUpdateFuzz", name + std::to_string(choice), update);
+        seeds.Write("FolderDirectoryFuzz", name + std::to_string(choice), update);
+        seeds.Write("HostRecordsFuzz", name + std::to_string(choice), update);
+        // All documents, or all but the first of every eight, with the source read again meanwhile.
+        const uint8_t docs = choice % 2 == 0 ? 0xFF : 0xFE;
+        const uint8_t target = choice == 0 ? 0xFF : 0;
+        Bytes transfer = {target, docs, docs, docs, docs, choice};
+        transfer.insert(transfer.end(), medium.begin(), medium.end());
+        seeds.Write("DirectoryImportFuzz", name + std::to_string(choice), transfer);
+    }
+}
+
+// Programs of HostileMedium: records by type, parent and number, then links.
+void WriteMedia(const SeedFolder& seeds) {
+    constexpr uint8_t kEncodings[] = {0, 1, 2, 0x80, 0x81};
+    const Bytes records = {0, 0, 1, 1, 1, 0xFC, 2,    2, 1, 3,    3, 0, 4,    3, 1, 5,
+                           3, 2, 6, 3, 3, 0,    0,    2, 1, 8,    2, 2, 9,    2, 3, 10,
+                           5, 3, 1, 4, 3, 3,    0xE0, 4, 3, 0xE1, 5, 3, 0xE2, 6, 3, 0xE3};
+    const Bytes links = {0, 5, 3, 1, 9, 2, 0xF1, 8, 0, 2, 3, 4, 0};
+    for (const uint8_t encoding : kEncodings) {
+        constexpr uint8_t kRecordSize = 3;
+        constexpr uint8_t kSyntaxBits = 0x7F;
+        Bytes medium = {static_cast<uint8_t>(encoding & kSyntaxBits), 0, encoding,
+                        static_cast<uint8_t>(records.size() / kRecordSize - 1)};
+        medium.insert(medium.end(), records.begin(), records.end());
+        Bytes damaged = medium;
+        medium.push_back(0);
+        WriteMedium(seeds, "composed" + std::to_string(encoding), medium);
+        constexpr uint8_t kLinks = 4;
+        damaged.push_back(kLinks);
+        damaged.insert(damaged.end(), links.begin(), links.end());
+        WriteMedium(seeds, "damaged" + std::to_string(encoding), damaged);
+    }
+}
+
 // One record of each type, and a few pointing elsewhere, in every encoding.
 void WriteDirectories(const SeedFolder& seeds) {
     for (const Syntax& syntax : kSyntaxes) {
@@ -256,8 +319,14 @@ void WriteDirectories(const SeedFolder& seeds) {
             media.PointLower(study, patient);
             media.PointNext(patient, patient, 2);
             media.SetInUse(series, false);
-            media.Keys(study).Text(Tags::kExamCreator, Vr::kLO, "EXAMS");
+            media.Keys(study)
+                .Text(Tags::kExamCreator, Vr::kLO, "EXAMS")
+                .Text(Tags::kExamFolder, Vr::kST, "\\IMAGESDC\\EXAM0000");
             seeds.Write("DirectoryFuzz", name + "-damaged", media.Build());
+            Bytes medium = {0, 1};
+            const Bytes content = media.Build();
+            medium.insert(medium.end(), content.begin(), content.end());
+            WriteMedium(seeds, name, medium);
         }
     }
 }
@@ -322,6 +391,74 @@ void WriteMovies(const SeedFolder& seeds) {
     seeds.Write("AviWriterFuzz", "limit", {0x7F, 0, 1, 40, 1, 13, 5, 200, 7});
 }
 
+void WriteText(const SeedFolder& seeds, const char* target, const std::string& name,
+               const std::string& text) {
+    seeds.Write(target, name, BytesOf(text));
+}
+
+void WriteSettings(const SeedFolder& seeds) {
+    const std::string usual = "\x80\x04Trim\x01\x07";
+    const std::string other =
+        "\x01\x03"
+        "a\\b"
+        "\x04Path\x80\x06/data\n";
+    const std::string text =
+        "[Software\\Vendor\\Product]\n\"StagingPath\"=\"/data/staging \\\"new\\\"\"\n"
+        "\"Trim\"=dword:00000001\n; a note\n\n[A\\B]\r\n\"x\"=\"\\n\"\n";
+    WriteText(seeds, "RegistryTextFuzz", "usual", usual + std::string(3, '\0') + text);
+    WriteText(seeds, "RegistryTextFuzz", "other", other + text);
+    WriteText(seeds, "SystemTextFuzz", "mounts",
+              "21 1 8:1 / / rw,relatime shared:1 - ext4 /dev/sda1 rw\n"
+              "35 21 8:17 / /media/a\\040stick rw - vfat /dev/sdb1 rw\n"
+              "36 21 0:40 / /mnt/share rw master:2 - cifs //server/share rw\n");
+    WriteText(seeds, "SystemTextFuzz", "recorders",
+              "CD-ROM information\n\ndrive name:\t\tsr1\tsr0\nCan write CD-R:\t\t1\t0\n"
+              "Can write DVD-R:\t0\t1\n");
+    WriteText(seeds, "SystemTextFuzz", "drives",
+              "/media/disc=cdrom,CDFS,ECHO 12:/media/stick=removable:/data:/a/../b=x");
+    const std::string entries =
+        "(0008,0060)\tVR=\"CS\"\tVM=\"1\"\tName=\"Modality\"\n"
+        "(0008,2112)\tVR=\"SQ\"\tName=\"Source Image Sequence\"\n"
+        "(0010,0010)\tVR=\"PN\"\tName=\"Patient's Name\"\n";
+    WriteText(seeds, "DictionaryFuzz", "sorted", entries);
+    WriteText(seeds, "DictionaryFuzz", "twice", entries + entries);
+}
+
+// The place to cut them in front.
+void WriteTexts(const SeedFolder& seeds) {
+    constexpr const char* kTexts[] = {
+        "\x08"
+        "Adams^John Robert^^Rev.^B.A.=\xE5\xB1\xB1\xE7\x94\xB0^\xE5\xA4\xAA",
+        "\x03M\xFCller^A",
+        "\x08"
+        "20240315101500.25+0100",
+        "\x02-12\\+7",
+        "\x05"
+        "1.2.840\\1.2.3",
+        "\x04\\\\server\\share\\a\\b",
+        "\x04"
+        "C:\\a/b.c\\",
+        "\x06\x1B$B;3ED\x1B(B^\x1B$B\\B@",
+        "\x06/media/disc/IMAGES/1"};
+    for (const char* const text : kTexts) {
+        WriteText(seeds, "TextFuzz", std::to_string(&text - kTexts), text);
+    }
+}
+
+// Views with their sizes, frames and loops, and the bitmap that they show.
+void WriteViews(const SeedFolder& seeds) {
+    const Bytes bitmap =
+        BitmapBuilder(9, 5, 24).Build([](int x, int y) { return static_cast<uint32_t>(x * y); });
+    const Bytes kViews[] = {{1, 9, 5, 4, 40, 0},
+                            {3, 9, 5, 30, 50, 0, 7, 8, 1, 0, 0, 3, 3, 6, 9, 0xFF},
+                            {2, 0xE0, 0, 2, 0xF0, 0, 0, 0, 1, 5, 5, 0, 4, 4, 4, 4, 0}};
+    for (const Bytes& views : kViews) {
+        Bytes seed = views;
+        seed.insert(seed.end(), bitmap.begin(), bitmap.end());
+        seeds.Write("MovieFuzz", std::to_string(&views - kViews), seed);
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -337,5 +474,9 @@ int main(int argc, char** argv) {
     WriteReports(seeds);
     WriteBitmaps(seeds);
     WriteMovies(seeds);
+    WriteViews(seeds);
+    WriteMedia(seeds);
+    WriteSettings(seeds);
+    WriteTexts(seeds);
     return 0;
 }
