@@ -179,6 +179,10 @@ void WriteFiles(const SeedFolder& seeds) {
             seeds.Write(target, syntax, file.Build());
         WriteEdits(seeds, syntax, file.Build());
     }
+    // An element of a low group behind the others, as no writer should put it.
+    FileBuilder misplaced;
+    misplaced.Data().Text(Tags::kSOPInstanceUID, Vr::kUI, "1.2.3").Value({0x0000, 0x0000}, Vr::kUL, Bytes(4));
+    seeds.Write("MetaHeaderFuzz", "misplaced", misplaced.Build());
     // So long that the pixels are behind the half of the file that is seen first.
     constexpr size_t kLongPalette = 400;
     FileBuilder palette;
