@@ -37,6 +37,7 @@ struct FileKeys {
     const char* fClass = FileBuilder::kSecondaryCapture;
     bool fIsSparse = false;  // without what records need not have
     const char* fSyntax = Vantor::Uids::kExplicitVRLittleEndian;
+    int fStudy = 2;
 };
 
 inline FileBuilder FileOf(const FileKeys& keys) {
@@ -59,9 +60,9 @@ inline FileBuilder FileOf(const FileKeys& keys) {
         {Tags::kSeriesDescription, Vr::kLO, "4CH", false},
         {Tags::kPatientName, Vr::kPN, "M\xFCller^A", false},
         {Tags::kPatientID, Vr::kLO, keys.fPatientID, true},
-        {Tags::kStudyInstanceUID, Vr::kUI, "1.2.3.1.2", false},
+        {Tags::kStudyInstanceUID, Vr::kUI, "1.2.3.1." + std::to_string(keys.fStudy), false},
         {Tags::kSeriesInstanceUID, Vr::kUI, "1.2.3.2." + std::to_string(keys.fSeries), true},
-        {Tags::kStudyID, Vr::kSH, "2", false},
+        {Tags::kStudyID, Vr::kSH, std::to_string(keys.fStudy), false},
         {Tags::kSeriesNumber, Vr::kIS, keys.fSeriesNumber, false},
         {Tags::kInstanceNumber, Vr::kIS, std::to_string(keys.fInstance), false}};
     for (const auto& [tag, vr, value, isNeeded] : elements) {
