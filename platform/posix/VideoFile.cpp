@@ -1,7 +1,9 @@
 #include "platform/VideoFile.h"
 
 #include <exception>
-#include <future>
+#include <functional>
+#include <semaphore>
+#include <thread>
 #include <utility>
 
 #include "platform/AviWriter.h"
@@ -12,6 +14,64 @@
 namespace Vantor::Platform {
 
 namespace {
+
+// A thread that does the same work each time it is told to, one time after the other. It stays between them,
+// as making a thread for each frame of a movie takes longer than many a frame.
+class RepeatedWork {
+  public:
+    explicit RepeatedWork(std::function<bool()> work) : fWork(std::move(work)) {}
+    ~RepeatedWork() {
+        Wait();
+        if (!fThread.joinable()) return;
+        fIsLeaving = true;
+        fIsWanted.release();
+        fThread.join();
+    }
+    RepeatedWork(const RepeatedWork&) = delete;
+    RepeatedWork& operator=(const RepeatedWork&) = delete;
+
+    // Does it here when there is no thread to be had. The time before must have been waited for.
+    void Start() {
+        if (!HasThread()) {
+            fIsRight = fWork();
+            return;
+        }
+        fIsAtWork = true;
+        fIsWanted.release();
+    }
+
+    // Until it is done. What the last time gave, true before the first.
+    bool Wait() {
+        if (fIsAtWork) fIsDone.acquire();
+        fIsAtWork = false;
+        return fIsRight;
+    }
+
+  private:
+    bool HasThread() {
+        try {
+            if (!fThread.joinable()) fThread = std::thread([this] { Repeat(); });
+        } catch (const std::exception&) {
+            return false;
+        }
+        return true;
+    }
+
+    void Repeat() {
+        for (fIsWanted.acquire(); !fIsLeaving; fIsWanted.acquire()) {
+            fIsRight = fWork();
+            fIsDone.release();
+        }
+    }
+
+    std::function<bool()> fWork;
+    std::binary_semaphore fIsWanted{0};
+    std::binary_semaphore fIsDone{0};
+    bool fIsAtWork = false;
+    bool fIsLeaving = false;  // this and the result are handed over by the semaphores
+    bool fIsRight = true;
+    std::thread fThread;
+};
 
 // Written by the library itself; the host brings the compressors. A frame is written while the caller makes
 // the next one, and no other thread touches the writer meanwhile.
@@ -27,13 +87,16 @@ class WrittenVideoFile final : public VideoFile {
     }
 
     bool WriteFrame(std::vector<uint8_t>& pixels) override {
-        fTakesFrames = fTakesFrames && Encode(pixels) && IsWritten();
-        if (fTakesFrames) StartWriting();
+        fTakesFrames = fTakesFrames && Encode(pixels) && fWriting.Wait();
+        if (fTakesFrames) {
+            std::swap(fEncoded, fBeingWritten);
+            fWriting.Start();
+        }
         return fTakesFrames;
     }
 
     int32_t Finish() override {
-        if (fWriting.valid()) fWriting.wait();
+        fWriting.Wait();
         fTakesFrames = false;
         return fWriter.Finish();
     }
@@ -50,26 +113,14 @@ class WrittenVideoFile final : public VideoFile {
         return fCompress(pixels.data(), fEncoded) && !fEncoded.empty();
     }
 
-    // Waits for the frame before.
-    bool IsWritten() { return !fWriting.valid() || fWriting.get(); }
-
-    void StartWriting() {
-        std::swap(fEncoded, fBeingWritten);
-        const auto write = [this] { return fWriter.WriteFrame(fBeingWritten.data(), fBeingWritten.size()); };
-        try {
-            fWriting = std::async(std::launch::async, write);
-        } catch (const std::exception&) {  // there is no thread to be had
-            fTakesFrames = write();
-        }
-    }
-
     VideoStream fStream;
     AviWriter fWriter;
     FrameCompressor fCompress;
     std::vector<uint8_t> fEncoded;  // the room of both is used again
     std::vector<uint8_t> fBeingWritten;
     bool fTakesFrames = false;
-    std::future<bool> fWriting;  // goes first: it waits for the thread
+    // Goes first: its thread uses the others.
+    RepeatedWork fWriting{[this] { return fWriter.WriteFrame(fBeingWritten.data(), fBeingWritten.size()); }};
 };
 
 }  // namespace
