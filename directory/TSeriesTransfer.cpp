@@ -278,18 +278,23 @@ bool TSeriesTransfer::HoldsInstance() {
     return isHere || fDestination.FindDoc(&FiledDoc()) != nullptr;
 }
 
-// A file that others are just looking at is free again in a moment; one that cannot be replaced stays what it
-// was, and so does one that is not of the medium that names it.
+// A file that cannot be replaced stays what it was, and so does one that is not of the medium that names it;
+// its copy, which no record names, goes.
 void TSeriesTransfer::MoveOntoSource() {
-    if (!FiledDoc().OwnsFile()) return fCopy->DeleteDiskFile();
-    for (int tries = 1;; ++tries) {
-        try {
-            return Platform::MoveFileReplacing(fCopy->GetFileSpec()->fPath, fSource->GetFileSpec()->fPath);
-        } catch (const Platform::FileException&) {
-            if (tries == kMoveTries) return;
-        }
+    const bool isMoved = FiledDoc().OwnsFile() && HasMoved();
+    if (!isMoved) fCopy->DeleteDiskFile();
+}
+
+// A file that others are just looking at is free again in a moment.
+bool TSeriesTransfer::HasMoved() {
+    const auto move = [this] {
+        Platform::MoveFileReplacing(fCopy->GetFileSpec()->fPath, fSource->GetFileSpec()->fPath);
+    };
+    for (int tries = 1; !Succeeds(move); ++tries) {
+        if (tries == kMoveTries) return false;
         Platform::Clock::Current().Sleep(kRestBetweenTries);
     }
+    return true;
 }
 
 // ---- The records ----

@@ -57,6 +57,7 @@ class TSeriesTransfer {
     void CreateCopy(const TFileSpec& fileSpec);
     bool HoldsInstance();
     void MoveOntoSource();
+    bool HasMoved();
     TDicomDoc* AddCopy(TDicomDoc& source, TDicomDoc& target, int32_t& stop);
     void AddMissingDocs(TDicomDoc& source, TDicomDoc& target, int32_t& stop);
 

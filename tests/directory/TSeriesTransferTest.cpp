@@ -271,6 +271,7 @@ TEST_F(TSeriesTransferTest, TriesToReplaceASourceThatIsHeld) {
         EXPECT_EQ(clock.fRests, Numbers(5, 1000));
         holder.CloseFile();
         ASSERT_EQ(Platform::IsFolder(path), !kIsWindows && restsUntilFree > 5);
+        EXPECT_TRUE(std::filesystem::is_empty(fFolder.PathOf(Spelled("imagesdc")))) << "no copy is left";
         if (!Platform::IsFolder(path)) {
             EXPECT_EQ(ReadWholeFile(path), Noise(2 * kChunk, 5));
         }
