@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <memory>
 #include <set>
+#include <string>
+#include <utility>
 
 #include "cli/SeriesImages.h"
 #include "directory/ExamFolder.h"
@@ -54,6 +56,7 @@ class CrashSafetyTest : public Workstation, public testing::WithParamInterface<L
         const bool isFolder = GetParam() == Layout::kFolder;
         fManager->CreateOrReplaceDirectory(PathOf(isFolder ? "C" : "C/DICOMDIR"), L"NEW", !isFolder);
     }
+    void Empty() { OpenMedium()->CreateDICOMDIR(); }
     // The old DICOMDIR is there until all files are entered into the new one.
     void CreateFilled() {
         const auto directory = fManager->PrepareDirectory(PathOf("C/DICOMDIR"), L"NEW");
@@ -69,11 +72,34 @@ class CrashSafetyTest : public Workstation, public testing::WithParamInterface<L
         for (const char* name : {"C/MORE/A.DCM", "C/MORE/B.DCM"}) directory->AddFile(PathOf(name));
         directory->Save();
     }
-    void Copy() { OpenMedium()->CopySeries(Open("D/DICOMDIR")->GetSeriesList().at(0)); }
+    void Copy() {
+        const TestClock clock;
+        OpenMedium()->CopySeries(Open("D/DICOMDIR")->GetSeriesList().at(0));
+    }
+    void CopyOntoItself() {
+        const TestClock clock;
+        const auto directory = OpenMedium();
+        TDicomDirectory& native = *directory->GetUmDirectory();
+        TListOf<TDicomDoc> series;
+        for (TSeriesDoc* each : *native.GetSeriesDocs()) series.InsertItemAt(series.kAtEnd, each);
+        native.SetImportDocs(series);
+        int32_t numbers[4];
+        char message[TDicomDirectory::kMessageSize];
+        ThrownBy([&] {
+            while (!native.ImportDocs(1, numbers[0], numbers[1], numbers[2], numbers[3], message)) {
+            }
+        });
+        directory->WriteDirectory();
+    }
     void DeleteOne() { Delete(1); }
     void DeleteAll() { Delete(2); }
-    void Save() {
-        const SaveInfo info;
+    void Save() { SaveInPlace(SaveInfo()); }
+    void SaveWithNewUids() {
+        SaveInfo info;
+        info.SetAssignNewUIDsFlag(true);
+        SaveInPlace(info);
+    }
+    void SaveInPlace(const SaveInfo& info) {
         WithImages([&](SeriesSaver& saver, auto& records, const auto& controls, const SeriesDirRec& series) {
             saver.SaveSeries(&info, &records, &controls, &series);
         });
@@ -92,14 +118,15 @@ class CrashSafetyTest : public Workstation, public testing::WithParamInterface<L
     }
 
   protected:
-    // In drive C the medium, with two more files that are not entered; in D another one.
+    // In drive C the medium, with two more files that are not entered; in D another one, with an image that
+    // is in C as well.
     CrashSafetyTest() {
         const bool isExam = GetParam() == Layout::kExam;
         const std::string folder = isExam ? "EXAMS/EXAM0000/IMAGES/" : "IMAGES/";
         WriteMedium("C", folder, {{3, 4}, {3, 5}, {6, 7}}, isExam);
         fFolder.WriteFile("C/MORE/A.DCM", ImageFile(8, 9));
         fFolder.WriteFile("C/MORE/B.DCM", ImageFile(8, 10));
-        WriteMedium("D", "IMAGES/", {{13, 14}, {13, 15}}, false);
+        WriteMedium("D", "IMAGES/", {{13, 14}, {13, 5}, {13, 15}}, false);
         for (const char* drive : {"C", "D"}) {
             fs::copy(fFolder.PathOf(drive), fPristine.PathOf(drive), fs::copy_options::recursive);
         }
@@ -114,7 +141,8 @@ class CrashSafetyTest : public Workstation, public testing::WithParamInterface<L
         if (!fHasDICOMDIR) fs::remove(fFolder.PathOf("C/DICOMDIR"));
     }
 
-    bool fHasDICOMDIR = true;  // what is disturbed begins with one
+    bool fHasDICOMDIR = true;   // what is disturbed begins with one
+    bool fChangesState = true;  // and ends with another tree
 
     using Change = void (CrashSafetyTest::*)();
 
@@ -129,8 +157,10 @@ class CrashSafetyTest : public Workstation, public testing::WithParamInterface<L
     // also has on the way.
     void Disturb(Change change, Change between = nullptr) {
         fDeletes = change == &CrashSafetyTest::DeleteOne || change == &CrashSafetyTest::DeleteAll;
+        fMayChangeUids = change == &CrashSafetyTest::SaveWithNewUids;
         Restore();
-        fStates = {ReadState()};
+        fOld = ReadState();
+        fStates = {fOld};
         if (between != nullptr) {
             Run(between);
             fStates.insert(ReadState());
@@ -143,8 +173,9 @@ class CrashSafetyTest : public Workstation, public testing::WithParamInterface<L
             steps = none.GetCount();
         }
         fNew = ReadState();
-        EXPECT_EQ(fMissing, Lines());
-        EXPECT_TRUE(fStates.insert(fNew).second) << fNew;
+        ExpectWholeFiles(fNew);
+        fNewUids = fUids;
+        EXPECT_EQ(fStates.insert(fNew).second, fChangesState) << fNew;
         ASSERT_GT(steps, 4U);
         for (size_t step = 0; step < steps; ++step) {
             SCOPED_TRACE("step " + std::to_string(step) + " of " + std::to_string(steps));
@@ -245,19 +276,28 @@ class CrashSafetyTest : public Workstation, public testing::WithParamInterface<L
         if (state == fNew) return;
         Run(change);
         EXPECT_EQ(ReadState(), fNew) << "when it is done again";
-        EXPECT_EQ(fMissing, Lines());
+        ExpectWholeFiles(fNew);
     }
 
-    // A deletion takes its files first.
+    // A deletion takes its files first; and files are given the UIDs that they are to have before the
+    // DICOMDIR names these.
     void ExpectWholeFiles(const std::string& state) const {
         if (!fDeletes || state == fNew) {
             EXPECT_EQ(fMissing, Lines());
+        }
+        for (const auto& [recorded, stored] : fUids) {
+            const bool isAhead = fMayChangeUids && state == fOld && fNewUids.count({stored, stored}) > 0;
+            EXPECT_TRUE(recorded == stored || isAhead) << recorded << " is " << stored;
+        }
+        for (const char* name : {"14", "5", "15"}) {
+            EXPECT_TRUE(IsWhole(fFolder.PathOf("D/IMAGES/" + std::string(name) + ".DCM"))) << "D: " << name;
         }
     }
 
     // The medium as another program finds it.
     std::string ReadState() {
         fMissing.clear();
+        fUids.clear();
         if (!fs::exists(fFolder.PathOf("C/DICOMDIR"))) return "none";
         std::string state;
         const std::string thrown = ThrownBy([&] {
@@ -286,14 +326,18 @@ class CrashSafetyTest : public Workstation, public testing::WithParamInterface<L
         TUidText recorded, stored;
         file.GetSOPInstanceUID(recorded.fText);
         onDisk.GetSOPInstanceUID(stored.fText);
-        EXPECT_STREQ(recorded.fText, stored.fText) << path;
+        fUids.insert({recorded.fText, stored.fText});
     }
 
     TestFolder fPristine;
     std::set<std::string> fStates;  // of the undisturbed medium: before, on the way, afterwards
+    std::string fOld;
     std::string fNew;
     bool fDeletes = false;
-    Lines fMissing;  // files that are named and not there
+    bool fMayChangeUids = false;
+    Lines fMissing;                                       // files that are named and not there
+    std::set<std::pair<std::string, std::string>> fUids;  // of an image, in its record and in its file
+    std::set<std::pair<std::string, std::string>> fNewUids;
 };
 
 TEST_P(CrashSafetyTest, Creating) {
@@ -302,15 +346,21 @@ TEST_P(CrashSafetyTest, Creating) {
 }
 TEST_P(CrashSafetyTest, Replacing) { Disturb(&CrashSafetyTest::Create); }
 TEST_P(CrashSafetyTest, ReplacingByAFilledOne) { Disturb(&CrashSafetyTest::CreateFilled); }
+TEST_P(CrashSafetyTest, Emptying) { Disturb(&CrashSafetyTest::Empty); }
 TEST_P(CrashSafetyTest, Repairing) { Disturb(&CrashSafetyTest::Repair); }
 TEST_P(CrashSafetyTest, Renaming) { Disturb(&CrashSafetyTest::Rename); }
 TEST_P(CrashSafetyTest, Entering) { Disturb(&CrashSafetyTest::Enter); }
 TEST_P(CrashSafetyTest, Copying) { Disturb(&CrashSafetyTest::Copy); }
+TEST_P(CrashSafetyTest, CopyingWhatIsThere) {
+    fChangesState = false;
+    Disturb(&CrashSafetyTest::CopyOntoItself);
+}
 TEST_P(CrashSafetyTest, DeletingASeries) { Disturb(&CrashSafetyTest::DeleteOne); }
 TEST_P(CrashSafetyTest, DeletingAPatient) {
     Disturb(&CrashSafetyTest::DeleteAll, &CrashSafetyTest::DeleteOne);
 }
 TEST_P(CrashSafetyTest, Saving) { Disturb(&CrashSafetyTest::Save); }
+TEST_P(CrashSafetyTest, SavingWithNewUids) { Disturb(&CrashSafetyTest::SaveWithNewUids); }
 TEST_P(CrashSafetyTest, SavingACopy) { Disturb(&CrashSafetyTest::SaveAs); }
 
 INSTANTIATE_TEST_SUITE_P(Layouts, CrashSafetyTest,
