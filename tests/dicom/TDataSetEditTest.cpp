@@ -160,6 +160,18 @@ TEST(TDataSetEdit, WhatStandsBetweenItemsIsDamage) {
     builder.Header(kSequence, Vr::kSQ, kUndefined).ItemHeader(Tags::kItemDelimitation, 0);
     builder.ItemHeader(Tags::kSequenceDelimitation, 0);
     EXPECT_EQ(ThrownBy([&] { TDataSetEdit().Apply(builder.GetBytes(), {}); }), kBroken);
+    // Behind the items of a known length, where some writers put a delimiter as well.
+    for (const auto& [tag, length, isGood] :
+         {std::tuple(Tags::kSequenceDelimitation, 0U, true),
+          std::tuple(Tags::kSequenceDelimitation, 2U, false), std::tuple(Tags::kItemDelimitation, 0U, false),
+          std::tuple(Tags::kRows, 0U, false)}) {
+        ElementBuilder known;
+        known.Header(kSequence, Vr::kSQ, 16 + length).ItemHeader(Tags::kItem, 0).ItemHeader(tag, length);
+        known.Raw(Bytes(length));
+        const std::string thrown =
+            ThrownBy([&] { EXPECT_EQ(TDataSetEdit().Apply(known.GetBytes(), {}), known.GetBytes()); });
+        EXPECT_EQ(thrown, isGood ? "nothing" : "102 Not a sequence item");
+    }
 }
 
 // Whoever did not know an element's VR copied its items as they were, in implicit VR little endian.

@@ -65,6 +65,11 @@ TEST_P(DataSetInEncoding, KeepsOrderAndGroupLengthsThroughEveryKindOfChange) {
     ExpectTrueGroupLengths(*fDataSet);
     EXPECT_EQ(fDataSet->CountElements(), 6 + 4);
     EXPECT_EQ(fDataSet->CountElementsInGroup(0x10), 3);
+    const Bytes whole = BytesOf(*fDataSet);
+    fDataSet->RemoveAllElements();
+    EXPECT_EQ(fDataSet->GetDataSetSize(), 0);
+    for (const int index : {5, 1, 0, 4, 2, 3}) put(*fDataSet, index);
+    EXPECT_EQ(BytesOf(*fDataSet), whole) << "as if it were new";
 }
 
 TEST_P(DataSetInEncoding, FindsByWalkingAndStopsEarly) {
@@ -226,7 +231,19 @@ TEST(DataSetPrivate, BlocksAreReservedOneAfterTheOther) {
     EXPECT_EQ(place, 0xA6);
     EXPECT_EQ(dataSet->CountPrivateElements(0x21, "FIRST"), 3) << "the second block is not counted";
     EXPECT_TRUE(dataSet->DeletePrivateElement(0x21, "SECOND", 0));
-    EXPECT_EQ(dataSet->CountPrivateElements(0x21, "SECOND"), 0);
+    for (const bool hasGroupBehind : {false, true}) {
+        if (hasGroupBehind) PutText(*dataSet, {0x23, 0x1007}, Vr::kLO, "o.");
+        dataSet->DeleteElement(0x23, 0);  // as in groups of others
+        EXPECT_EQ(dataSet->CountPrivateElements(0x21, "FIRST"), 3);
+        EXPECT_EQ(dataSet->CountPrivateElements(0x21, "SECOND"), 0);
+        EXPECT_EQ(dataSet->CountPrivateElements(0x21, "THIRD"), 0);
+        EXPECT_FALSE(dataSet->GetNextPrivateElement(0x21, "THIRD", offset, &place));
+    }
+    dataSet->PutPrivateElement(0x21, "SECOND", 0x00, Vr::kLO, 2, "s.", 2);
+    for (const int deleted : {0xFF, 0x05, 0xA6})
+        EXPECT_TRUE(dataSet->DeletePrivateElement(0x21, "FIRST", static_cast<uint8_t>(deleted)));
+    EXPECT_FALSE(dataSet->DeletePrivateElement(0x21, "FIRST", 0x05));
+    EXPECT_FALSE(dataSet->FindPrivateElement(0x21, "FIRST", &place)) << "what follows is another's";
 }
 
 // Creators are compared over the stored text's length, so that products whose creator was later lengthened

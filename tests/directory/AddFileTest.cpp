@@ -156,6 +156,21 @@ TEST_F(AddFileTest, JoinsWhatIsThereAndEntersNoInstanceTwice) {
     EXPECT_EQ(TreesOf(*fDirectory), tree);
 }
 
+// In the order of their names, those below a folder where that stands, and not what is elsewhere.
+TEST_F(AddFileTest, ScansTheImageFolderForWhatIsNotThereYet) {
+    Open();
+    const std::string folder = Spelled("imagesdc") + "/";
+    Add(folder + "C", File(kImage, 9));
+    const std::pair<std::string, int> files[] = {
+        {folder + "D", 7}, {folder + "A", 4}, {folder + "B/X", 5}, {folder + "B/Y", 6}, {"IMAGES/A", 8}};
+    for (const auto& [name, instance] : files) fFolder.WriteFile(name, File(kImage, instance).Build());
+    fFolder.WriteFile(folder + "B/README", "the user's own");
+    for (int times = 0; times < 2; ++times) {
+        fDirectory->ScanFiles();
+        EXPECT_EQ(TreesOf(*fDirectory), "P1(S2(s7(i9 i4 i5 i6 i7)))");
+    }
+}
+
 // A copy of an instance says nothing about the file that the record names.
 TEST_F(AddFileTest, AnotherFileOfTheInstanceLeavesTheRecordAsItIs) {
     DirectoryBuilder media;

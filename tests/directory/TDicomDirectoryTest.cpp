@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <random>
 
 #include "platform/FileSystem.h"
@@ -11,6 +12,8 @@ namespace {
 
 using namespace Vantor;
 using namespace VantorTest;
+
+namespace fs = std::filesystem;
 
 class TDicomDirectoryTest : public testing::Test {
   protected:
@@ -250,6 +253,33 @@ TEST_F(TDicomDirectoryTest, FilesElsewhereAreNotRemoved) {
     EXPECT_GE(patient.GetDiskSpace(), 1) << "reading it is no harm";
     patient.DeleteFilesFromDisk();
     EXPECT_EQ(fFolder.ListFiles(), (std::vector<std::string>{"CD/DICOMDIR", "VICTIM"}));
+}
+
+// A host that works in the medium's folder may name the DICOMDIR alone.
+TEST_F(TDicomDirectoryTest, AMediumThatIsNamedWithoutAFolderLeadsNowhereElse) {
+    fFolder.WriteFile("CD/DICOMDIR", Medium().Build());
+    fFolder.WriteFile("CD/IMAGES/1", "an image");
+    fFolder.WriteFile("OTHER/1", "a stranger's");
+    std::error_code refused;  // by Windows, which then has none
+    fs::create_directory_symlink(fFolder.PathOf("OTHER"), fFolder.PathOf("CD/OUT"), refused);
+    fs::create_directory_symlink(fFolder.PathOf("CD/IMAGES"), fFolder.PathOf("CD/IN"), refused);
+    fs::create_symlink(fFolder.PathOf("CD/DICOMDIR"), fFolder.PathOf("OTHER/DICOMDIR"), refused);
+    const fs::path before = fs::current_path();
+    fs::current_path(fFolder.PathOf("CD"));
+    {
+        TDicomDirectory directory(TFileSpec("DICOMDIR"), 0);
+        EXPECT_TRUE(directory.OwnsDICOMDIR());
+        const auto places = directory.GetFilePlaces();
+        const auto mayBeWritten = [&](const char* fileID) {
+            return places->MayBeWritten(places->Find(fileID));
+        };
+        EXPECT_TRUE(mayBeWritten("IMAGES\\1") && mayBeWritten("IN\\1"));
+        EXPECT_FALSE(mayBeWritten("..\\OTHER\\1") || mayBeWritten("DICOMDIR"));
+        EXPECT_EQ(mayBeWritten("OUT\\1"), static_cast<bool>(refused));
+    }
+    fs::current_path(fFolder.PathOf("OTHER"));
+    if (!refused) EXPECT_FALSE(TDicomDirectory(TFileSpec("DICOMDIR"), 0).OwnsDICOMDIR());
+    fs::current_path(before);
 }
 
 // Against the passes that hosts know, in which a pair without numbers is left as it is.

@@ -4,6 +4,7 @@
 
 #include "dicom/TException.h"
 #include "tests/directory/DirectorySupport.h"
+#include "tests/support/MemoryStorage.h"
 
 namespace {
 
@@ -78,6 +79,39 @@ TEST_F(UpdateTest, CreatesAnEmptyDICOMDIRInPlaceOfWhateverIsThere) {
         EXPECT_EQ(TreesOf(*fDirectory), "P1") << "only in memory, and current";
         fDirectory->WriteDICOMDIR();
         EXPECT_EQ(TreeOnDisk(), "P1");
+    }
+}
+
+TEST_F(UpdateTest, IsCreatedAndUpdatedInsideStructuredStorage) {
+    MemoryStorage storage;
+    const TFileSpec spec("DICOMDIR", &storage);
+    fDirectory = std::make_unique<TDicomDirectory>(spec, "NEW", 0, "1.2.840.10008.1.3.10", "1.2.3",
+                                                   Uids::kExplicitVRLittleEndian, "1.2.3.4", false);
+    for (const char* tree : {"P1", "P1 P2"}) {
+        AddPatient(tree == std::string("P1") ? "ID1" : "ID2");
+        fDirectory->WriteDICOMDIR();
+        EXPECT_TRUE(storage.IsFlushed("DICOMDIR"));
+        fDirectory = std::make_unique<TDicomDirectory>(spec, 0);
+        EXPECT_EQ(TreesOf(*fDirectory), tree);
+        ASSERT_TRUE(fDirectory->OpenForUpdating());
+    }
+    fDirectory->CreateEmptyDICOMDIR();
+    EXPECT_EQ(TreesOf(*std::make_unique<TDicomDirectory>(spec, 0)), "");
+    EXPECT_EQ(storage.ListStreams(), std::vector<std::string>{"DICOMDIR"});
+}
+
+// Hosts note its time after they have written it, which may be that of another program's by then.
+TEST_F(UpdateTest, IsNotWrittenOverAnotherOneWhoseTimeIsNoted) {
+    DirectoryBuilder longer = Medium(7);
+    longer.AddPatient(8);
+    for (const int secondsLater : {0, 60}) {
+        Open(Medium().Build());
+        fs::last_write_time(fPath, fs::last_write_time(fPath));
+        ASSERT_TRUE(fDirectory->ReloadIfChanged());
+        Replace(longer.Build(), secondsLater);
+        fDirectory->UpdateModTime();
+        EXPECT_EQ(ThrownBy([&] { fDirectory->WriteDICOMDIR(); }), "102 DICOMDIR has changed");
+        EXPECT_EQ(ReadWholeFile(fPath), longer.Build());
     }
 }
 
@@ -240,14 +274,15 @@ TEST_F(UpdateTest, EveryRecordComesOutAsItWentIn) {
     }
 }
 
-// Also where there were no records yet.
+// Also where there were no records yet, and in the order that others find them by, the last of several.
 TEST_F(UpdateTest, KeepsTheElementsBesideTheRecords) {
     for (const bool hasRecords : {false, true}) {
         FileBuilder file(Uids::kExplicitVRBigEndian, Uids::kMediaStorageDirectory);
-        file.Data().Text(Tags::kFileSetID, Vr::kCS, "OLD").Text({0x0004, 0x1141}, Vr::kCS, "README");
+        file.Data().Text(Tags::kFileSetID, Vr::kCS, "OLD");
+        for (const char* name : {"OTHER ", "README"}) file.Data().Text({0x0004, 0x1141}, Vr::kCS, name);
         file.Data().Numbers32(Tags::kLastRootRecordOffset, Vr::kUL, {4711});
         if (hasRecords) file.Data().Sequence(Tags::kDirectoryRecordSequence, {}, Lengths::kUndefined);
-        file.Data().Numbers16(Tags::kRows, Vr::kUS, {0x0102});
+        file.Data().Numbers16(Tags::kRows, Vr::kUS, {0x0102}).Text({0x0004, 0x1142}, Vr::kCS, "ISO_IR 100");
         Open(file.Build());
         AddPatient("ID1");
         fDirectory->SetDirName("a longer name");
@@ -257,6 +292,8 @@ TEST_F(UpdateTest, KeepsTheElementsBesideTheRecords) {
         const TDicomDataSet& dataSet = *fDirectory->GetDataSet();
         EXPECT_EQ(TextOf(dataSet, Tags::kFileSetID), "A LONGER NAME ");
         EXPECT_EQ(TextOf(dataSet, {0x0004, 0x1141}), "README");
+        EXPECT_EQ(TextOf(dataSet, {0x0004, 0x1142}), "ISO_IR 100");
+        EXPECT_EQ(dataSet.CountElements(), 8);
         EXPECT_EQ(TextOf(dataSet, Tags::kRows), "\x02\x01");
         EXPECT_EQ(TextOf(dataSet, Tags::kLastRootRecordOffset),
                   TextOf(dataSet, Tags::kFirstRootRecordOffset));

@@ -278,6 +278,9 @@ TEST_F(ImageFileEditorTest, FindsACharacterSetForItsTexts) {
         {"", "Dr", "", L"J\xFCrgen", L"", "ISO_IR 100", "J\xFCrgen", ""},
         {"", "M\xFCller", "", L"J\xFCrgen", L"", "ISO_IR 100", "J\xFCrgen", ""},
         {"", "M\xC3\xBCller", "", L"J\xFCrgen", L"", "ISO_IR 192", "J\xC3\xBCrgen", ""},
+        {"", "\xE6\x97\xA5\xF0\xA0\xAE\xB7", "", L"J\xFCrgen", L"", "ISO_IR 192", "J\xC3\xBCrgen", ""},
+        {"", "\xC3\xBC\xE6\x97", "", L"J\xFCrgen", L"", "", "", ""},
+        {"", "\x1B$B;3\x1B(B", "", L"J\xFCrgen", L"", "", "", ""},
         {"", "\x8E\x52", "", L"J\xFCrgen", L"", "", "", ""},
         {"ISO_IR 144", "Dr", "", L"\x65E5\x672C", L"", "ISO_IR 192", "\xE6\x97\xA5\xE6\x9C\xAC", ""},
         {"ISO_IR 144", "\xB8\xD2", "", L"J\xFCrgen", L"", "", "", ""},  // the physician needs his
@@ -404,6 +407,15 @@ TEST_F(ImageFileEditorTest, LeavesTheOldFileWhenItFails) {
         while (editor.GetFramesLeft() > 0) ASSERT_EQ(editor.WriteNext(), 0) << "others may read meanwhile";
     }
     EXPECT_TRUE(Ends(ReadWholeFile(target), fPixelsAndRest));
+    const Bytes written = ReadWholeFile(target);
+    ImageFileEditor other(Wide(good), fSaved);
+    EXPECT_EQ(other.BeginWriting(Wide(target)), 0);
+    std::error_code refused;  // by Windows, as it is open
+    std::filesystem::resize_file(good, content.size() - 1, refused);
+    int32_t error = 0;
+    while (other.GetFramesLeft() > 0) error = other.WriteNext();
+    EXPECT_EQ(error, refused ? 0 : ImageFileEditor::kOtherFailure) << "somebody has cut it off meanwhile";
+    EXPECT_TRUE(ReadWholeFile(target) == written);
     EXPECT_EQ(fFolder.ListFiles().size(), 6U) << "nothing is left lying about";
 }
 
