@@ -256,9 +256,16 @@ TDicomDataSet TDicomDoc::ViewRecord() const {
     return {fDataSet->IsExplicit(), fDataSet->IsBigEndian(), fDataSet->GetDataSet(), size, size};
 }
 
+// A record that has its type counts as complete. One that cannot be completed has got it all the same, and
+// must be without it when it is to be written again.
 void TDicomDoc::PrepareForWriting() {
     if (fDataSet == nullptr) return;
-    if (!HasElement(Tags::kDirectoryRecordType)) CompleteRecord();
+    try {
+        if (!HasElement(Tags::kDirectoryRecordType)) CompleteRecord();
+    } catch (...) {
+        fDataSet->DeleteElement(Tags::kDirectoryRecordType.fGroup, Tags::kDirectoryRecordType.fElement);
+        throw;
+    }
     if (fIsNew && fDicomFile != nullptr)
         ReferencedFile::CompleteReference(*fDataSet, *fDicomFile, GetDirectory());
 }

@@ -125,9 +125,11 @@ TEST_F(UpdateTest, WhatCannotBeCreatedOrWrittenLeavesTheOldOne) {
         EXPECT_NE(ThrownBy([&] { fDirectory->WriteDICOMDIR(); }), "nothing");
     }
     TPatientDoc* const patient = AddPatient(nullptr);
-    ASSERT_TRUE(fDirectory->OpenForUpdating());
-    EXPECT_EQ(ThrownBy([&] { fDirectory->WriteDICOMDIR(); }), "102 No Patient ID");
-    EXPECT_FALSE(fDirectory->IsOpen());
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        ASSERT_TRUE(fDirectory->OpenForUpdating());
+        EXPECT_EQ(ThrownBy([&] { fDirectory->WriteDICOMDIR(); }), "102 No Patient ID");
+        EXPECT_FALSE(fDirectory->IsOpen());
+    }
     EXPECT_EQ(ReadWholeFile(fPath), content);
     EXPECT_EQ(fFolder.ListFiles(), std::vector<std::string>{"DICOMDIR"});
     EXPECT_EQ(InstanceUID(), FileBuilder::kInstanceUID);
