@@ -145,8 +145,7 @@ std::optional<HostString> DicomDirectory::GetDirName() const {
 void DicomDirectory::SetDirName(const HostString& name) {
     if (!IsValid()) return;
     Write([&] {
-        fUmDicomDirectory->SetDirName(FromHostText(name).c_str());
-        WriteDICOMDIR(*fUmDicomDirectory);
+        WriteNamed(*fUmDicomDirectory, FromHostText(name), [this] { WriteDICOMDIR(*fUmDicomDirectory); });
     });
 }
 

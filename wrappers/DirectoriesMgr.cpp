@@ -383,14 +383,15 @@ LuminaError DirectoriesMgr::RepairDirectory(const std::shared_ptr<DicomDirectory
 void DirectoriesMgr::MakeAnew(TDicomDirectory& native, const std::string& name) {
     native.RemoveAllDocs();
     native.UpdateModTime();
-    native.SetDirName(name.c_str());
-    if (auto* const folder = dynamic_cast<TFolderDirectory*>(&native); folder != nullptr) {
-        folder->CreateDICOMDIR();
-    } else if (Vantor::Platform::PathExists(native.GetFullPath())) {
-        native.WriteDICOMDIR();
-    } else {
-        native.CreateEmptyDICOMDIR();
-    }
+    WriteNamed(native, name, [&native] {
+        if (auto* const folder = dynamic_cast<TFolderDirectory*>(&native); folder != nullptr) {
+            folder->CreateDICOMDIR();
+        } else if (Vantor::Platform::PathExists(native.GetFullPath())) {
+            native.WriteDICOMDIR();
+        } else {
+            native.CreateEmptyDICOMDIR();
+        }
+    });
     native.RefreshDocs();
 }
 

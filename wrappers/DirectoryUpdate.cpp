@@ -30,6 +30,18 @@ void WriteDICOMDIR(TDicomDirectory& directory) {
     directory.UpdateModTime();
 }
 
+void WriteNamed(TDicomDirectory& directory, const std::string& name, const std::function<void()>& write) {
+    char old[TDicomDirectory::kDirectoryNameSize] = {};
+    directory.GetDirName(old, sizeof(old));
+    directory.SetDirName(name.c_str());
+    try {
+        write();
+    } catch (...) {
+        directory.SetDirName(old);
+        throw;
+    }
+}
+
 bool IsPlainFolder(const TDicomDirectory& directory) {
     const auto* const folder = dynamic_cast<const TFolderDirectory*>(&directory);
     return folder != nullptr && !folder->GetHasDICOMDIRflag();

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <functional>
+#include <string>
+
 namespace Vantor {
 class TDicomDirectory;
 class TDicomDoc;
@@ -12,6 +15,11 @@ namespace VantorWrappers {
 // Writes the DICOMDIR and notes its time. Throws as TDicomDirectory::WriteDICOMDIR, and also TException 102
 // when that of a folder could not be written.
 void WriteDICOMDIR(Vantor::TDicomDirectory& directory);
+
+// Gives a directory a File-set ID and runs what writes it. When that throws it has its old one again, as on
+// disk: the next update would bring the new one there although the host was told that this has failed.
+void WriteNamed(Vantor::TDicomDirectory& directory, const std::string& name,
+                const std::function<void()>& write);
 
 // True for a folder that has no DICOMDIR: nothing has to be opened or written to change it.
 bool IsPlainFolder(const Vantor::TDicomDirectory& directory);

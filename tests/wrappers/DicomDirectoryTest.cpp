@@ -210,7 +210,10 @@ TEST_F(DicomDirectoryTest, TellsHowSavingEnded) {
     MakeUnwritable(*directory);
     directory->Save();
     EXPECT_EQ(directory->GetError(), Fatal(ErrorNumber::DirectoryWriteError));
-    EXPECT_EQ(fTrace.Take().size(), 4U);
+    directory->SetDirName(L"new name");
+    EXPECT_EQ(directory->GetError(), Fatal(ErrorNumber::DirectoryWriteError));
+    EXPECT_EQ(directory->GetDirName(), L"TESTMEDIUM") << "on which the next update counts";
+    EXPECT_EQ(fTrace.Take().size(), 5U);
     EXPECT_FALSE(directory->GetUmDirectory()->IsOpen());
     directory->SyncWithDiskVersion();
     directory->SetDirName(L"new name");

@@ -339,6 +339,7 @@ TEST_F(DirectoriesMgrTest, RepairsADirectoryByEmptyingIt) {
         }
         EXPECT_EQ(ReadWholeFile(path), content);
         EXPECT_EQ(Tree(*directory), TreeOnDisk(name)) << "what is on disk is as it was";
+        EXPECT_EQ(directory->GetDirName(), L"TESTMEDIUM");
         EXPECT_EQ(fManager->RepairDirectory(directory, L"repaired"), kSuccess);
         EXPECT_EQ(TreeOnDisk(name) + Tree(*directory), "");
         EXPECT_EQ(directory->GetDirName(), L"repaired");
