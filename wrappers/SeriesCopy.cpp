@@ -53,7 +53,7 @@ LuminaError SeriesCopy::Run(TSeriesDoc& series) {
     }
     if (fDestination == nullptr) return fResult;
     if (!fResult.IsSuccess()) GiveUp(series);
-    if (!fIsStopped) WriteDirectory();
+    if (!fIsStopped) WriteDirectory(series);
     return fResult;
 }
 
@@ -135,6 +135,10 @@ void SeriesCopy::GiveUp(TSeriesDoc& series) {
         Vantor::Succeeds([this] { fDestination->RefreshDocs(); });
         return;
     }
+    TakeOut(series);
+}
+
+void SeriesCopy::TakeOut(TSeriesDoc& series) {
     TDicomDoc* const entered = fDestination->FindDoc(&series);
     if (entered == nullptr) return;
     TDicomDoc* const study = entered->GetParentObj();
@@ -144,16 +148,24 @@ void SeriesCopy::GiveUp(TSeriesDoc& series) {
 
 // ---- The DICOMDIR ----
 
-void SeriesCopy::WriteDirectory() {
+void SeriesCopy::WriteDirectory(TSeriesDoc& series) {
     try {
         WriteDICOMDIR(*fDestination);
     } catch (TException* thrown) {
         const std::unique_ptr<TException> error(thrown);
-        Fail(ErrorNumber::CopySeriesDirUpdateFailure,
-             kExceptionCaught + std::to_string(error->GetErrorNumber()));
+        FailToWrite(series, kExceptionCaught + std::to_string(error->GetErrorNumber()));
     } catch (...) {
-        Fail(ErrorNumber::CopySeriesDirUpdateFailure, "Exception caught");
+        FailToWrite(series, "Exception caught");
     }
+}
+
+// Neither must one that is in memory only. Where it may have been on disk before, from another program, the
+// records are those on disk again.
+void SeriesCopy::FailToWrite(TSeriesDoc& series, const std::string& line) {
+    Fail(ErrorNumber::CopySeriesDirUpdateFailure, line);
+    if (fDestination->IsUnwritten()) return TakeOut(series);
+    const bool isEntered = fDestination->FindDoc(&series) != nullptr;
+    if (isEntered) Vantor::Succeeds([this] { fDestination->RefreshDocs(); });
 }
 
 }  // namespace VantorWrappers

@@ -39,7 +39,9 @@ class SeriesCopy {
     bool HasFolderOf(const std::string& fileName) const;
     bool HasRootFolder() const;
     void GiveUp(Vantor::TSeriesDoc& series);
-    void WriteDirectory();
+    void TakeOut(Vantor::TSeriesDoc& series);
+    void WriteDirectory(Vantor::TSeriesDoc& series);
+    void FailToWrite(Vantor::TSeriesDoc& series, const std::string& line);
 
     Vantor::TDicomDirectory* fDestination;  // null once it has gone away, or another copy has ended this one
     const DriveInfo* fDrive;

@@ -141,6 +141,8 @@ TEST_F(CopySeriesTest, FailuresOfTheDestinationAreToldApart) {
         Prepare();
         EXPECT_EQ(CopyWhile(happens), Fatal(number)) << static_cast<int>(number);
         EXPECT_EQ(fTrace.Take(), lines);
+        EXPECT_FALSE(fDestination->IsSeriesInDirectory(fSeries.GetSeriesUID()))
+            << "it would not be tried again";
         if (fs::is_regular_file(images)) fs::remove(images);
         fFolder.WriteFile("D/DICOMDIR", DirectoryBuilder().Build());
         fDestination->SyncWithDiskVersion();
