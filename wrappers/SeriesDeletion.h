@@ -10,7 +10,8 @@ class TSeriesDoc;
 namespace VantorWrappers {
 
 // The deletion of one series from a directory, as DicomDirectory::DeleteSeries has it. The files go first,
-// then the DICOMDIR forgets them: when the process ends in between, deleting again finishes it.
+// then the DICOMDIR forgets them: when the process ends in between, deleting again finishes it. A file that a
+// record of another series names as well stays.
 class SeriesDeletion {
   public:
     explicit SeriesDeletion(Vantor::TDicomDirectory& directory) : fDirectory(directory) {}
