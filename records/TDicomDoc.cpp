@@ -215,7 +215,7 @@ void TDicomDoc::CollectFiles(TListOf<TDicomFile>& files) {
     for (TDicomDoc* child : children) child->CollectFiles(files);
 }
 
-void TDicomDoc::DeleteFilesFromDisk() {
+void TDicomDoc::DeleteFilesFromDisk(const std::function<bool(TDicomFile&)>& isKept) {
     TListOf<TDicomFile> files;
     try {
         CollectFiles(files);
@@ -225,7 +225,9 @@ void TDicomDoc::DeleteFilesFromDisk() {
     } catch (const std::bad_alloc&) {
         return;
     }
-    for (auto file = files.rbegin(); file != files.rend(); ++file) (*file)->DeleteDiskFile();
+    for (auto file = files.rbegin(); file != files.rend(); ++file) {
+        if (isKept == nullptr || !isKept(**file)) (*file)->DeleteDiskFile();
+    }
 }
 
 int32_t TDicomDoc::GetDiskSpace() {

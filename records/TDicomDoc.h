@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -154,8 +155,8 @@ class TDicomDoc : public TIODSource {
     void CollectFiles(TListOf<TDicomFile>& files);
 
     // Removes the files of this document and of all below it from disk, as far as that goes. Records stay,
-    // and so do files that are not the medium's.
-    void DeleteFilesFromDisk();
+    // and so do files that are not the medium's, and those that are to be kept.
+    void DeleteFilesFromDisk(const std::function<bool(TDicomFile&)>& isKept = nullptr);
 
     // What the files of this document and of all below it take, in units of 1,024 bytes, counted file by file
     // as TDicomFile::GetFileSizeKB does.

@@ -47,12 +47,9 @@ std::unordered_set<std::string> CollectFilesBeside(TDicomDirectory& directory, c
 
 // A file that a record of another series names as well stays for that one.
 void DeleteFiles(TDicomDirectory& directory, TSeriesDoc& series) {
-    TListOf<TDicomFile> files;
-    series.CollectFiles(files);
     const auto others = CollectFilesBeside(directory, series);
-    for (TDicomFile* file : files) {
-        if (others.count(KeyOf(file->GetFileSpec()->fPath)) == 0) file->DeleteDiskFile();
-    }
+    series.DeleteFilesFromDisk(
+        [&](TDicomFile& file) { return others.count(KeyOf(file.GetFileSpec()->fPath)) > 0; });
 }
 
 }  // namespace
