@@ -242,8 +242,8 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
                            const char* preferredName);
 
     // Removes the exam folder of a study, or those of a patient's studies, with all that is in them, as far
-    // as that goes. Nothing happens for others, for a folder that another study has too, and but in the exam
-    // layout.
+    // as that goes. Nothing happens for others, for a folder that another study has too or has files in, and
+    // but in the exam layout.
     void DeleteFolders(TDicomDoc* doc);
 
     // What the files of all series take, in units of 1,024 bytes, counted anew.
@@ -355,7 +355,7 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     void CreateDICOMDIROf(const HeldDocs& rootDocs);
     void WriteRecords(TDicomDataSet* present, const HeldDocs& rootDocs);
     HeldDocs GetRootDocs() const;
-    std::unordered_set<std::string> CollectFileIDs() const;
+    std::unordered_set<std::string> CollectFileIDs(const TDicomDoc* without) const;
     int32_t FindRecordSequence() const;
     void FillLists(std::vector<std::unique_ptr<TDicomDoc>> rootDocs);
     void DetectExamLayout();
@@ -367,6 +367,7 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     std::string MakeImageFolderPath();
     void MakeImageFolder(const char* name, const MediaPaths& paths);
     bool HasOwnExamFolder(const TStudyDoc& study) const;
+    bool HasFilesOfOthers(const TStudyDoc& study, const std::string& folder);
     void RemoveExamFolder(const TStudyDoc& study);
     template <typename Action>
     void WithListOf(int32_t docType, Action action);

@@ -160,9 +160,17 @@ void TDicomDirectory::RemoveExamFolder(const TStudyDoc& study) {
     const std::string imageFolder = MakeImageFolderPath();
     if (!HasOwnExamFolder(study) || imageFolder.empty()) return;
     const std::string folder = imageFolder + Style().GetSeparator() + ExamFolderOf(study);
-    if (TFileSpec::FitsPath(folder) && GetPlaces().MayBeRemoved(TFileSpec(folder))) {
-        Platform::RemoveFolderTree(folder);
-    }
+    const bool mayBeRemoved = TFileSpec::FitsPath(folder) && GetPlaces().MayBeRemoved(TFileSpec(folder));
+    if (mayBeRemoved && !HasFilesOfOthers(study, folder)) Platform::RemoveFolderTree(folder);
+}
+
+// A study that names no folder, or was entered from the files that lie there, may have them in it all the
+// same.
+bool TDicomDirectory::HasFilesOfOthers(const TStudyDoc& study, const std::string& folder) {
+    const std::string start = MakeStoredFileID(TFileSpec(folder)) + '\\';
+    const auto fileIDs = CollectFileIDs(&study);
+    return std::any_of(fileIDs.begin(), fileIDs.end(),
+                       [&start](const std::string& fileID) { return fileID.starts_with(start); });
 }
 
 void TDicomDirectory::DeleteFolders(TDicomDoc* doc) {

@@ -313,7 +313,7 @@ TDicomDoc* TDicomDirectory::EnterFile(const std::string& path, SeriesNumbers num
 void TDicomDirectory::ScanFiles() { EnterFilesBelow(MakeImageFolderPath(), SeriesNumbers::kFromRecord); }
 
 void TDicomDirectory::EnterFilesBelow(const std::string& folder, SeriesNumbers numbers) {
-    const std::unordered_set<std::string> present = CollectFileIDs();
+    const std::unordered_set<std::string> present = CollectFileIDs(nullptr);
     for (const std::string& path : FolderFiles::ListBelow(folder)) {
         if (present.count(MakeStoredFileID(TFileSpec(path))) > 0) continue;
         Succeeds([&] { EnterFile(path, numbers); });
@@ -327,13 +327,14 @@ std::string TDicomDirectory::MakeStoredFileID(const TFileSpec& fileSpec) {
     return Platform::UpperCased({fileID, length});
 }
 
-// Of all files that the records name.
-std::unordered_set<std::string> TDicomDirectory::CollectFileIDs() const {
+// Of all files that the records name, but for those of one document and what is below it.
+std::unordered_set<std::string> TDicomDirectory::CollectFileIDs(const TDicomDoc* without) const {
     std::unordered_set<std::string> fileIDs;
     HeldDocs docs = GetRootDocs();
     while (!docs.empty()) {
         TDicomDoc* const doc = docs.back();
         docs.pop_back();
+        if (doc == without) continue;
         fileIDs.insert(FileIDOf(*doc));
         TListOf<TDicomDoc> children;
         doc->GetChildDocs(children, true);

@@ -136,6 +136,24 @@ TEST_F(NamesTest, ExamFoldersGoWithTheirStudyAndNoOthers) {
     EXPECT_EQ(fFolder.ListFiles(), (Names{"DICOMDIR", first, second, "NEIGHBOUR/3"}));
     fDirectory->DeleteFolders(*fDirectory->GetPatientDocs()->begin());
     EXPECT_EQ(fFolder.ListFiles(), (Names{"DICOMDIR", second, "NEIGHBOUR/3"}));
+    // A file of another study lies in the folder of this one.
+    Study()->SetFolderName("EXAM0001", 8);
+    TStudyDoc* const other = new TStudyDoc(nullptr, fDirectory.get());
+    TSeriesDoc* const series = new TSeriesDoc(nullptr, fDirectory.get());
+    TImageDoc* const image = new TImageDoc(nullptr, fDirectory.get(), 0);
+    constexpr char kFileID[] = "EXAMS\\EXAM0001\\2";
+    image->GetDataSet()->PutElement(Tags::kReferencedFileID, Vr::kCS, sizeof(kFileID) - 1, kFileID,
+                                    sizeof(kFileID) - 1);
+    int32_t error = 0;
+    (*fDirectory->GetPatientDocs()->begin())->AddChild(other, nullptr, true, error);
+    other->AddChild(series, nullptr, true, error);
+    series->AddChild(image, nullptr, true, error);
+    fDirectory->DeleteFolders(Study());
+    EXPECT_EQ(fFolder.ListFiles(), (Names{"DICOMDIR", second, "NEIGHBOUR/3"}));
+    other->Discard();
+    fDirectory->DeleteFolders(Study());
+    EXPECT_EQ(fFolder.ListFiles(), (Names{"DICOMDIR", "NEIGHBOUR/3"}));
+    fFolder.WriteFile(second, "x");
     Open(TDicomDirectory::kStandardLayout);
     Study()->SetFolderName("EXAM0001", 8);
     fDirectory->DeleteFolders(Study());
