@@ -241,6 +241,10 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     void MakeImageFileName(char* path, int32_t& length, const char* subFolder, const char* sopClassUID,
                            const char* preferredName);
 
+    // Removes the files of a document and of all below it from disk, as far as that goes. Files that are not
+    // the medium's stay, and those that a record elsewhere names as well.
+    void DeleteFiles(TDicomDoc& doc);
+
     // Removes the exam folder of a study, or those of a patient's studies, with all that is in them, as far
     // as that goes. Nothing happens for others, for a folder that another study has too or has files in, and
     // but in the exam layout.

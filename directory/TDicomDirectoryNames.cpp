@@ -173,6 +173,12 @@ bool TDicomDirectory::HasFilesOfOthers(const TStudyDoc& study, const std::string
                        [&start](const std::string& fileID) { return fileID.starts_with(start); });
 }
 
+void TDicomDirectory::DeleteFiles(TDicomDoc& doc) {
+    const auto named = CollectFileIDs(&doc);
+    doc.DeleteFilesFromDisk(
+        [&](TDicomFile& file) { return named.count(MakeStoredFileID(*file.GetFileSpec())) > 0; });
+}
+
 void TDicomDirectory::DeleteFolders(TDicomDoc* doc) {
     if (doc == nullptr || fDirectoryType != kExamLayout) return;
     if (doc->GetDocType() == TDicomDoc::kStudy) RemoveExamFolder(static_cast<const TStudyDoc&>(*doc));
