@@ -1,5 +1,5 @@
 # holds: other programs and this one find the same in the same files (tests/interop), also with sanitizers
-# packages: g++ cmake ninja-build ccache libgtest-dev googletest libbenchmark-dev libcli11-dev nlohmann-json3-dev python3-pydicom dcmtk dicom3tools libgdcm-tools xorriso libjpeg62-turbo-dev ffmpeg python3-numpy python3-pil
+# packages: g++ cmake ninja-build ccache libgtest-dev googletest libbenchmark-dev libcli11-dev nlohmann-json3-dev python3-pydicom dcmtk dicom3tools libgdcm-tools xorriso libjpeg62-turbo-dev ffmpeg python3-numpy python3-pil zsh groff-base
 # minutes: 30
 
 . checks/common.sh

@@ -10,6 +10,13 @@ install(TARGETS vantor EXPORT VantorTargets
         FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vantor)
 if(VANTOR_BUILD_CLI)
     install(TARGETS vantor_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    if(NOT WIN32)
+        set(shell_files "${PROJECT_SOURCE_DIR}/cli/shell")
+        install(FILES "${PROJECT_SOURCE_DIR}/cli/vantor.1" DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+        install(FILES "${shell_files}/_vantor" DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+        install(FILES "${shell_files}/vantor.bash" RENAME vantor
+                DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+    endif()
 endif()
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Vantor)
