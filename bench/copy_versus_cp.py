@@ -3,8 +3,8 @@
 
 usage: bench/copy_versus_cp.py [MEGABYTES] [FILES]
 
-Neither waits until the disk has the files; the sources are read from memory. The best of several runs counts, taken
-in turns. DIRECTORY_UPDATE names the program, build/release/bin/directory_update unless set. TMPDIR says where.
+The sources are read from memory. The library waits until the disk has the files before its DICOMDIR names them; cp
+does not. The best of several runs counts, taken in turns. DIRECTORY_UPDATE names the program, build/release/bin/directory_update unless set. TMPDIR says where.
 """
 
 import os
