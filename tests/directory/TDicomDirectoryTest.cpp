@@ -278,7 +278,9 @@ TEST_F(TDicomDirectoryTest, AMediumThatIsNamedWithoutAFolderLeadsNowhereElse) {
         EXPECT_EQ(mayBeWritten("OUT\\1"), static_cast<bool>(refused));
     }
     fs::current_path(fFolder.PathOf("OTHER"));
-    if (!refused) EXPECT_FALSE(TDicomDirectory(TFileSpec("DICOMDIR"), 0).OwnsDICOMDIR());
+    if (!refused) {
+        EXPECT_FALSE(TDicomDirectory(TFileSpec("DICOMDIR"), 0).OwnsDICOMDIR());
+    }
     fs::current_path(before);
 }
 
