@@ -1,5 +1,5 @@
-# Installs the library, its headers under include/vantor, the program, and what find_package(Vantor) needs to
-# offer Vantor::vantor. The installed tree can be moved as a whole.
+# Installs the library, its headers under include/vantor, the program, and what find_package(Vantor) and
+# pkg-config need to offer the library. The installed tree can be moved as a whole.
 
 include(CMakePackageConfigHelpers)
 
@@ -27,3 +27,8 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/VantorConfigVersion.cmak
     COMPATIBILITY SameMajorVersion)
 install(FILES "${PROJECT_BINARY_DIR}/VantorConfig.cmake" "${PROJECT_BINARY_DIR}/VantorConfigVersion.cmake"
         DESTINATION ${package_folder})
+
+set(pkgconfig_folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH to_prefix "/${pkgconfig_folder}" "/")
+configure_file("${PROJECT_SOURCE_DIR}/cmake/vantor.pc.in" "${PROJECT_BINARY_DIR}/vantor.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/vantor.pc" DESTINATION ${pkgconfig_folder})
