@@ -359,7 +359,7 @@ class TDicomDirectory : public TDicomFile, public TRecordDirectory {
     void CreateDICOMDIROf(const HeldDocs& rootDocs);
     void WriteRecords(TDicomDataSet* present, const HeldDocs& rootDocs);
     HeldDocs GetRootDocs() const;
-    std::unordered_set<std::string> CollectFileIDs(const TDicomDoc* without) const;
+    std::unordered_set<std::string> CollectFileIDs(const TDicomDoc* without);
     int32_t FindRecordSequence() const;
     void FillLists(std::vector<std::unique_ptr<TDicomDoc>> rootDocs);
     void DetectExamLayout();

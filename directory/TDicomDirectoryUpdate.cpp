@@ -50,6 +50,11 @@ std::string FileIDOf(const TDicomDoc& doc) {
     return fileID.substr(0, fileID.find_last_not_of(' ') + 1);
 }
 
+// True for a full path, and for one with separators of another system.
+bool IsSpelledOtherwise(const std::string& fileID) {
+    return fileID.starts_with('\\') || fileID.find_first_of("/:") != std::string::npos;
+}
+
 }  // namespace
 
 // ---- Creating and writing ----
@@ -327,15 +332,20 @@ std::string TDicomDirectory::MakeStoredFileID(const TFileSpec& fileSpec) {
     return Platform::UpperCased({fileID, length});
 }
 
-// Of all files that the records name, but for those of one document and what is below it.
-std::unordered_set<std::string> TDicomDirectory::CollectFileIDs(const TDicomDoc* without) const {
+// Of all files that the records name, but for those of one document and what is below it; as the directory
+// itself would store them, however a record spells them.
+std::unordered_set<std::string> TDicomDirectory::CollectFileIDs(const TDicomDoc* without) {
+    const MediaPaths& paths = GetPaths();
     std::unordered_set<std::string> fileIDs;
     HeldDocs docs = GetRootDocs();
     while (!docs.empty()) {
         TDicomDoc* const doc = docs.back();
         docs.pop_back();
         if (doc == without) continue;
-        fileIDs.insert(FileIDOf(*doc));
+        std::string fileID = FileIDOf(*doc);
+        if (IsSpelledOtherwise(fileID))
+            fileID = Platform::UpperCased(paths.MakeFileID(paths.MakeFullPath(fileID)));
+        fileIDs.insert(std::move(fileID));
         TListOf<TDicomDoc> children;
         doc->GetChildDocs(children, true);
         docs.insert(docs.end(), children.begin(), children.end());

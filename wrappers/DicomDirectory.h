@@ -169,8 +169,9 @@ class DicomDirectory : public Linked<DicomDirectory>, public std::enable_shared_
     //     (Fatal, CopySeriesDirUpdateFailure)      the DICOMDIR could not be opened or written; the files are
     //                                              copied
     // The first of several failures counts. What was copied stays on disk, but the directory does not hold
-    // the series; where the DICOMDIR could not be written, its records are those on disk again. A source file
-    // that is missing or cannot be read is passed by: its image is entered as one whose file was not copied.
+    // the series; where the DICOMDIR could not be written, its records are those on disk again, and changes
+    // that were not saved are gone. A source file that is missing or cannot be read is passed by: its image
+    // is entered as one whose file was not copied.
     LuminaError CopySeries(const SeriesDirRec& series);
 
     // Deletes a series with its files, and the study and the patient that are empty then. Success when there

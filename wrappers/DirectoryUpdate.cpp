@@ -33,8 +33,8 @@ void WriteDICOMDIR(TDicomDirectory& directory) {
 void WriteNamed(TDicomDirectory& directory, const std::string& name, const std::function<void()>& write) {
     char old[TDicomDirectory::kDirectoryNameSize] = {};
     directory.GetDirName(old, sizeof(old));
-    directory.SetDirName(name.c_str());
     try {
+        directory.SetDirName(name.c_str());
         write();
     } catch (...) {
         directory.SetDirName(old);

@@ -163,9 +163,13 @@ void SeriesCopy::WriteDirectory(TSeriesDoc& series) {
 // records are those on disk again.
 void SeriesCopy::FailToWrite(TSeriesDoc& series, const std::string& line) {
     Fail(ErrorNumber::CopySeriesDirUpdateFailure, line);
-    if (fDestination->IsUnwritten()) return TakeOut(series);
-    const bool isEntered = fDestination->FindDoc(&series) != nullptr;
-    if (isEntered) Vantor::Succeeds([this] { fDestination->RefreshDocs(); });
+    Vantor::Succeeds([&] {
+        if (fDestination->IsUnwritten()) {
+            TakeOut(series);
+        } else if (fDestination->FindDoc(&series) != nullptr) {
+            fDestination->RefreshDocs();
+        }
+    });
 }
 
 }  // namespace VantorWrappers

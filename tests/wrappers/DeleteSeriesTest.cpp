@@ -53,21 +53,28 @@ TEST_F(DeleteSeriesTest, TakesWhatIsEmptyThenAlong) {
 
 // Each of two series may name one file, spelled in its own way; the last one that is deleted takes it along.
 TEST_F(DeleteSeriesTest, LeavesFilesThatOtherSeriesNameAsWell) {
-    DirectoryBuilder media;
-    const int study = media.AddStudy(media.AddPatient(1), 2);
-    const int first = media.AddSeries(study, 3);
-    media.AddInstance(first, 4);
-    const int shared = media.Add(first, "PRIVATE ");
-    media.Keys(shared).Text(Tags::kReferencedFileID, Vr::kCS, "images\\5");
-    media.AddInstance(media.AddSeries(study, 6), 5);
-    fFolder.WriteFile("C/DICOMDIR", media.Build());
-    fDirectory->UpdateDirRecs();
-    EXPECT_EQ(fDirectory->DeleteSeries(Series(0)), kSuccess);
-    EXPECT_EQ(FilesLeft(), (Lines{"14", "15", "17", "5", "7", "README"}));
-    fDirectory->UpdateDirRecs();
-    EXPECT_EQ(fDirectory->DeleteSeries(Series(0)), kSuccess);
-    EXPECT_EQ(FilesLeft(), (Lines{"14", "15", "17", "7", "README"}));
-    ExpectTree("");
+    for (const std::string& spelling :
+         {std::string("images\\5"), std::string("IMAGES/5"), fFolder.PathOf("C/IMAGES/5")}) {
+        SCOPED_TRACE(spelling);
+        for (const bool isDeletedFirst : {true, false}) {
+            DirectoryBuilder media;
+            const int study = media.AddStudy(media.AddPatient(1), 2);
+            const int first = media.AddSeries(study, 3);
+            const int second = media.AddSeries(study, 6);
+            const int shared = media.Add(isDeletedFirst ? first : second, "PRIVATE ");
+            media.Keys(shared).Text(Tags::kReferencedFileID, Vr::kCS, spelling);
+            media.AddInstance(isDeletedFirst ? second : first, 5);
+            fFolder.WriteFile("C/DICOMDIR", media.Build());
+            fFolder.WriteFile("C/IMAGES/5", "x");
+            fDirectory->UpdateDirRecs();
+            EXPECT_EQ(fDirectory->DeleteSeries(Series(0)), kSuccess);
+            EXPECT_EQ(FilesLeft(), (Lines{"14", "15", "17", "4", "5", "7", "README"}));
+            fDirectory->UpdateDirRecs();
+            EXPECT_EQ(fDirectory->DeleteSeries(Series(0)), kSuccess);
+            EXPECT_EQ(FilesLeft(), (Lines{"14", "15", "17", "4", "7", "README"}));
+            ExpectTree("");
+        }
+    }
 }
 
 // Nothing is deleted that the DICOMDIR would go on naming.
