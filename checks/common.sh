@@ -46,3 +46,20 @@ keep_temporary_files_in_memory() {
 foreign_dicom_file() {
     dpkg -L python3-pydicom | grep '/CT_small\.dcm$' || fail "python3-pydicom brings no CT_small.dcm"
 }
+
+# Runs a command, a function too, with each of the arguments, as many at once as there are cores, and shows what
+# each prints when it has ended. Fails at the end when one failed, and says which: each_at_once COMMAND ARGUMENT...
+each_at_once() {
+    local command=$1 folder
+    shift
+    folder=$(mktemp -d)
+    export -f "$command" 2>/dev/null || true
+    printf '%s\0' "$@" | xargs -0 -P "$CMAKE_BUILD_PARALLEL_LEVEL" -I{} bash -c '
+        log=$(mktemp -p "$1")
+        "$2" "$3" >"$log" 2>&1 || echo "$3" >>"$1/failed"
+        flock "$1" sh -c "echo \"== \$1\"; cat \"\$2\"" show "$3" "$log"' each "$folder" "$command" {}
+    local failed=
+    [ ! -e "$folder/failed" ] || failed=$(tr '\n' ' ' <"$folder/failed")
+    rm -rf "$folder"
+    [ -z "$failed" ] || fail "failed: $failed"
+}

@@ -11,14 +11,13 @@ export UBSAN_OPTIONS=print_stacktrace=1:exitcode=99
 
 mapfile -t scripts < <(find tests/interop -maxdepth 1 -type f -name '*.py' -executable | sort)
 [ ${#scripts[@]} -gt 0 ] || fail "no executable scripts in tests/interop"
-failed=()
+
+run_script() { timeout 600 /usr/bin/python3 "$1"; }
+
 for preset in release sanitize; do
     build "$preset" vantor_cli directory_tree directory_update
     bin=$PWD/build/$preset/bin
     export VANTOR=$bin/vantor DIRECTORY_TREE=$bin/directory_tree DIRECTORY_UPDATE=$bin/directory_update
-    for script in "${scripts[@]}"; do
-        echo "== $script with $VANTOR"
-        timeout 600 /usr/bin/python3 "$script" || failed+=("$script ($preset)")
-    done
+    echo "with the programs of $bin"
+    each_at_once run_script "${scripts[@]}"
 done
-[ ${#failed[@]} -eq 0 ] || fail "failed: ${failed[*]}"

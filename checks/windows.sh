@@ -5,7 +5,7 @@
 . checks/common.sh
 
 # The loader itself: Debian's `wine` command asks for 32-bit support, which nothing here needs.
-wine=/usr/lib/wine/wine64
+export wine=/usr/lib/wine/wine64
 export WINEPREFIX=$PWD/build/windows/wine
 export WINEDEBUG=-all
 export WINEDLLOVERRIDES='mscoree,mshtml,winemenubuilder.exe='
@@ -21,16 +21,14 @@ start_wine() {
 stop_wine() { /usr/lib/wine/wineserver64 -k || true; }
 
 # Every test program is one Windows process.
+run_test_program() { timeout 900 "$wine" "$1" --gtest_brief=1; }
+
 run_test_programs() {
-    local program programs expected failed=()
+    local programs expected
     mapfile -t programs < <(find build/windows/tests -maxdepth 1 -name '*_tests.exe' | sort)
     expected=$(ctest --test-dir build/windows --show-only | sed -n 's/^Total Tests: //p')
     [ "${#programs[@]}" = "$expected" ] || fail "${#programs[@]} programs for $expected tests: ${programs[*]}"
-    for program in "${programs[@]}"; do
-        echo "== $program"
-        timeout 900 $wine "$program" --gtest_brief=1 || failed+=("$program")
-    done
-    [ ${#failed[@]} -eq 0 ] || fail "failed: ${failed[*]}"
+    each_at_once run_test_program "${programs[@]}"
 }
 
 # The program beside its DLL, in a folder of its own with nothing else of the build.

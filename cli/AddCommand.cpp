@@ -1,6 +1,5 @@
 #include "cli/AddCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <filesystem>
 
 #include "cli/Console.h"
@@ -10,21 +9,19 @@
 
 namespace VantorCli {
 
-CLI::App* AddCommand::AddTo(CLI::App& program) {
-    CLI::App* app = program.add_subcommand("add", "Enter files into a DICOMDIR");
-    app->add_option("PATH", fPath, "A DICOMDIR, or the folder that holds it")->required()->type_name("");
-    app->add_option("FILE", fFiles, "DICOM files in the DICOMDIR's folder or below it")
-        ->required()
-        ->type_name("");
-    app->add_flag("--json", fIsJson, "One JSON object");
-    app->footer(
+CommandLine AddCommand::AddTo(const CommandLine& program) {
+    const CommandLine line = program.AddCommand("add", "Enter files into a DICOMDIR");
+    line.AddArgument("PATH", fPath, "A DICOMDIR, or the folder that holds it");
+    line.AddArgument("FILE", fFiles, "DICOM files in the DICOMDIR's folder or below it");
+    line.AddFlag("--json", fIsJson, "One JSON object");
+    line.SetFooter(
         "A file whose instance is there already counts as entered. A file that cannot be entered is "
         "reported,\n"
         "the others are entered all the same, and the exit status is 1.\n"
         "\n"
         "Example:\n"
         "  vantor add EXAM EXAM/NEW/IMAGE0003 EXAM/NEW/IMAGE0004");
-    return app;
+    return line;
 }
 
 ExitStatus AddCommand::Run(Console& console) {

@@ -10,7 +10,7 @@ namespace VantorCli {
 // vantor add: enters files into a DICOMDIR.
 class AddCommand : public Command {
   public:
-    CLI::App* AddTo(CLI::App& program) override;
+    CommandLine AddTo(const CommandLine& program) override;
     ExitStatus Run(Console& console) override;
 
   private:

@@ -1,7 +1,5 @@
 #include "cli/CodecsCommand.h"
 
-#include <CLI/CLI.hpp>
-
 #include "cli/CharacterCode.h"
 #include "cli/Console.h"
 #include "cli/Json.h"
@@ -12,10 +10,11 @@
 
 namespace VantorCli {
 
-CLI::App* CodecsCommand::AddTo(CLI::App& program) {
-    CLI::App* app = program.add_subcommand("codecs", "List the compressors that movies can be made with");
-    app->add_flag("--json", fIsJson, "One JSON object a line for each compressor");
-    app->footer(
+CommandLine CodecsCommand::AddTo(const CommandLine& program) {
+    const CommandLine line =
+        program.AddCommand("codecs", "List the compressors that movies can be made with");
+    line.AddFlag("--json", fIsJson, "One JSON object a line for each compressor");
+    line.SetFooter(
         "The four characters that vantor movie --codec takes, and what the compressor calls itself. On "
         "Windows\n"
         "they are those that are installed, elsewhere those of this program. \"DIB \", without compression, "
@@ -24,7 +23,7 @@ CLI::App* CodecsCommand::AddTo(CLI::App& program) {
         "\n"
         "Example:\n"
         "  vantor codecs");
-    return app;
+    return line;
 }
 
 ExitStatus CodecsCommand::Run(Console& console) {

@@ -7,7 +7,7 @@ namespace VantorCli {
 // vantor codecs: lists the compressors that movies can be made with.
 class CodecsCommand : public Command {
   public:
-    CLI::App* AddTo(CLI::App& program) override;
+    CommandLine AddTo(const CommandLine& program) override;
     ExitStatus Run(Console& console) override;
 
   private:

@@ -1,10 +1,7 @@
 #pragma once
 
+#include "cli/CommandLine.h"
 #include "cli/ExitStatus.h"
-
-namespace CLI {
-class App;
-}
 
 namespace VantorCli {
 
@@ -20,7 +17,7 @@ class Command {
 
     // Adds the command with its options, its help and an example to the program, and gives its own part of
     // the command line. Options are kept in this object, which must outlive the program's command line.
-    virtual CLI::App* AddTo(CLI::App& program) = 0;
+    virtual CommandLine AddTo(const CommandLine& program) = 0;
 
     // Does what the parsed command line asks for. Failures that concern one file are reported and counted in
     // the status; what escapes as an exception ends the program with kFailed.

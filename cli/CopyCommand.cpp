@@ -1,6 +1,5 @@
 #include "cli/CopyCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <system_error>
 
@@ -12,24 +11,21 @@
 
 namespace VantorCli {
 
-CLI::App* CopyCommand::AddTo(CLI::App& program) {
-    CLI::App* app = program.add_subcommand("copy", "Copy series into another DICOMDIR");
-    app->add_option("SOURCE", fSource, "A DICOMDIR, a folder, or a DICOM file")->required()->type_name("");
-    app->add_option("DESTINATION", fDestination, "A DICOMDIR, or the folder that holds it")
-        ->required()
-        ->type_name("");
-    fCopying.AddOptions(*app);
-    app->add_option("--create", fNewName,
-                    "Make the DICOMDIR first, with this File-set ID: up to\n16 of A-Z, 0-9, blank and _")
-        ->type_name("NAME")
-        ->check(ProblemOfFileSetName, "");
-    app->footer(
+CommandLine CopyCommand::AddTo(const CommandLine& program) {
+    const CommandLine line = program.AddCommand("copy", "Copy series into another DICOMDIR");
+    line.AddArgument("SOURCE", fSource, "A DICOMDIR, a folder, or a DICOM file");
+    line.AddArgument("DESTINATION", fDestination, "A DICOMDIR, or the folder that holds it");
+    fCopying.AddOptions(line);
+    line.AddOption("--create", "NAME", fNewName,
+                   "Make the DICOMDIR first, with this File-set ID: up to\n16 of A-Z, 0-9, blank and _")
+        .Check(ProblemOfFileSetName);
+    line.SetFooter(
         "A series that is in the destination is not copied again. vantor tree tells the UIDs of series.\n"
         "\n"
         "Example:\n"
         "  vantor copy EXAM /media/usb --all --create \"EXAM 12\"\n"
         "  vantor copy EXAM /media/usb --series 1.2.3.4 1.2.3.5");
-    return app;
+    return line;
 }
 
 ExitStatus CopyCommand::Run(Console& console) {

@@ -13,7 +13,7 @@ class Directories;
 // vantor copy: copies series from one directory into another.
 class CopyCommand : public Command {
   public:
-    CLI::App* AddTo(CLI::App& program) override;
+    CommandLine AddTo(const CommandLine& program) override;
     ExitStatus Run(Console& console) override;
 
   private:

@@ -1,6 +1,5 @@
 #include "cli/CreateCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdint>
 
@@ -55,16 +54,16 @@ void ReportLowerCase(const EnteredFiles& files, const HostString& folder, Consol
 
 }  // namespace
 
-CLI::App* CreateCommand::AddTo(CLI::App& program) {
-    CLI::App* app = program.add_subcommand("create", "Write a DICOMDIR over the DICOM files of a folder");
-    app->add_option("FOLDER", fFolder, "The folder that is to hold the DICOMDIR")->required()->type_name("");
-    app->add_option("--name", fName,
-                    "Its File-set ID: up to 16 of A-Z, 0-9, blank and _;\nwithout, the folder's name")
-        ->type_name("NAME")
-        ->check(ProblemOfFileSetName, "");
-    app->add_flag("--force", fIsForced, "Replace a DICOMDIR that is there");
-    app->add_flag("--json", fIsJson, "One JSON object");
-    app->footer(
+CommandLine CreateCommand::AddTo(const CommandLine& program) {
+    const CommandLine line =
+        program.AddCommand("create", "Write a DICOMDIR over the DICOM files of a folder");
+    line.AddArgument("FOLDER", fFolder, "The folder that is to hold the DICOMDIR");
+    line.AddOption("--name", "NAME", fName,
+                   "Its File-set ID: up to 16 of A-Z, 0-9, blank and _;\nwithout, the folder's name")
+        .Check(ProblemOfFileSetName);
+    line.AddFlag("--force", fIsForced, "Replace a DICOMDIR that is there");
+    line.AddFlag("--json", fIsJson, "One JSON object");
+    line.SetFooter(
         "Every DICOM file in the folder and the folders below it is entered. Files that cannot be are left "
         "out\n"
         "and listed with the reason; the exit status is 0 all the same. The files themselves stay as they "
@@ -73,7 +72,7 @@ CLI::App* CreateCommand::AddTo(CLI::App& program) {
         "Example:\n"
         "  vantor create EXAM --name \"EXAM 12\"\n"
         "  vantor create EXAM --force --json");
-    return app;
+    return line;
 }
 
 ExitStatus CreateCommand::Run(Console& console) {

@@ -12,7 +12,7 @@ class EnteredFiles;
 // vantor create: a new DICOMDIR over the files of a folder.
 class CreateCommand : public Command {
   public:
-    CLI::App* AddTo(CLI::App& program) override;
+    CommandLine AddTo(const CommandLine& program) override;
     ExitStatus Run(Console& console) override;
 
   private:

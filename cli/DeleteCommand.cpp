@@ -1,7 +1,5 @@
 #include "cli/DeleteCommand.h"
 
-#include <CLI/CLI.hpp>
-
 #include "cli/Console.h"
 #include "cli/Directories.h"
 #include "cli/Failure.h"
@@ -28,19 +26,19 @@ std::string ToText(const std::string& uid, const LuminaError& error) {
 
 }  // namespace
 
-CLI::App* DeleteCommand::AddTo(CLI::App& program) {
-    CLI::App* app = program.add_subcommand("delete", "Delete series with their files");
-    app->add_option("PATH", fPath, "A DICOMDIR, a folder, or a DICOM file")->required()->type_name("");
-    app->add_option("--series", fSeries, "The series to be deleted")->required()->type_name("UID");
-    app->add_flag("--json", fIsJson, "One JSON object a line for each series");
-    app->footer(
+CommandLine DeleteCommand::AddTo(const CommandLine& program) {
+    const CommandLine line = program.AddCommand("delete", "Delete series with their files");
+    line.AddArgument("PATH", fPath, "A DICOMDIR, a folder, or a DICOM file");
+    line.AddOption("--series", "UID", fSeries, "The series to be deleted").Require();
+    line.AddFlag("--json", fIsJson, "One JSON object a line for each series");
+    line.SetFooter(
         "The files are removed from the disk, and studies and patients that are empty then from the "
         "DICOMDIR.\n"
         "Nothing is deleted when one of the series is not there. vantor tree tells the UIDs of series.\n"
         "\n"
         "Example:\n"
         "  vantor delete EXAM --series 1.2.3.4 1.2.3.5");
-    return app;
+    return line;
 }
 
 ExitStatus DeleteCommand::Run(Console& console) {

@@ -10,7 +10,7 @@ namespace VantorCli {
 // vantor delete: deletes series with their files.
 class DeleteCommand : public Command {
   public:
-    CLI::App* AddTo(CLI::App& program) override;
+    CommandLine AddTo(const CommandLine& program) override;
     ExitStatus Run(Console& console) override;
 
   private:

@@ -1,6 +1,5 @@
 #include "cli/DirsCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <set>
 
@@ -85,15 +84,16 @@ DirectoriesMgr::DirectoryList AllOf(DirectoriesMgr& manager) {
 
 }  // namespace
 
-CLI::App* DirsCommand::AddTo(CLI::App& program) {
-    CLI::App* app = program.add_subcommand("dirs", "List the directories that a workstation has at hand");
-    app->add_flag("--json", fIsJson, "One JSON object a line for each directory");
-    app->footer(
+CommandLine DirsCommand::AddTo(const CommandLine& program) {
+    const CommandLine line =
+        program.AddCommand("dirs", "List the directories that a workstation has at hand");
+    line.AddFlag("--json", fIsJson, "One JSON object a line for each directory");
+    line.SetFooter(
         "The DICOMDIRs in the roots of the drives, and the folders that are remembered.\n"
         "\n"
         "Example:\n"
         "  vantor dirs");
-    return app;
+    return line;
 }
 
 ExitStatus DirsCommand::Run(Console& console) {

@@ -7,7 +7,7 @@ namespace VantorCli {
 // vantor dirs: the directories that a workstation has at hand.
 class DirsCommand : public Command {
   public:
-    CLI::App* AddTo(CLI::App& program) override;
+    CommandLine AddTo(const CommandLine& program) override;
     ExitStatus Run(Console& console) override;
 
   private:

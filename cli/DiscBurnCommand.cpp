@@ -1,6 +1,5 @@
 #include "cli/DiscBurnCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdint>
 
@@ -35,9 +34,9 @@ bool Burn(WritableCdDvd& writer, Console& console) {
 
 }  // namespace
 
-CLI::App* DiscBurnCommand::AddTo(CLI::App& disc) {
-    CLI::App* app = disc.add_subcommand("burn", "Write what is staged to a disc");
-    app->footer(
+CommandLine DiscBurnCommand::AddTo(const CommandLine& disc) {
+    const CommandLine line = disc.AddCommand("burn", "Write what is staged to a disc");
+    line.SetFooter(
         "All that is in the staging area comes on the disc, and stays there. The File-set ID of the "
         "DICOMDIR\n"
         "becomes the name of the disc. Windows asks for a name, and for the disc, itself.\n"
@@ -45,7 +44,7 @@ CLI::App* DiscBurnCommand::AddTo(CLI::App& disc) {
         "Example:\n"
         "  vantor disc burn\n"
         "  VANTOR_RECORDER=/tmp/exam.iso vantor disc burn");
-    return app;
+    return line;
 }
 
 ExitStatus DiscBurnCommand::Run(Console& console) {

@@ -7,7 +7,7 @@ namespace VantorCli {
 // vantor disc burn: writes what is staged to a disc.
 class DiscBurnCommand : public Command {
   public:
-    CLI::App* AddTo(CLI::App& disc) override;
+    CommandLine AddTo(const CommandLine& disc) override;
     ExitStatus Run(Console& console) override;
 };
 

@@ -1,6 +1,5 @@
 #include "cli/DiscClearCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
@@ -62,15 +61,15 @@ void ReportLeft(const fs::path& folder, Console& console) {
 
 }  // namespace
 
-CLI::App* DiscClearCommand::AddTo(CLI::App& disc) {
-    CLI::App* app = disc.add_subcommand("clear", "Remove all that is staged");
-    app->footer(
+CommandLine DiscClearCommand::AddTo(const CommandLine& disc) {
+    const CommandLine line = disc.AddCommand("clear", "Remove all that is staged");
+    line.SetFooter(
         "The staging area is empty then: series, player, and whatever else was in there are gone. Links are\n"
         "removed, not what they lead to. Folders whose names begin with a period stay, and are told of.\n"
         "\n"
         "Example:\n"
         "  vantor disc clear");
-    return app;
+    return line;
 }
 
 ExitStatus DiscClearCommand::Run(Console& console) {

@@ -7,7 +7,7 @@ namespace VantorCli {
 // vantor disc clear: removes all that is staged.
 class DiscClearCommand : public Command {
   public:
-    CLI::App* AddTo(CLI::App& disc) override;
+    CommandLine AddTo(const CommandLine& disc) override;
     ExitStatus Run(Console& console) override;
 };
 

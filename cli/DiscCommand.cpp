@@ -1,7 +1,5 @@
 #include "cli/DiscCommand.h"
 
-#include <CLI/CLI.hpp>
-
 #include "cli/DiscBurnCommand.h"
 #include "cli/DiscClearCommand.h"
 #include "cli/DiscStageCommand.h"
@@ -10,10 +8,10 @@
 
 namespace VantorCli {
 
-CLI::App* DiscCommand::AddTo(CLI::App& program) {
-    CLI::App* app = program.add_subcommand("disc", "Stage series for a CD or DVD, and burn it");
-    app->require_subcommand(1);
-    app->footer(
+CommandLine DiscCommand::AddTo(const CommandLine& program) {
+    const CommandLine line = program.AddCommand("disc", "Stage series for a CD or DVD, and burn it");
+    line.RequireCommand();
+    line.SetFooter(
         "What is to be burned is put into a folder first, the staging area: with stage, and with copy,\n"
         "save-as and every other program. All that is in there comes on the disc.\n"
         "\n"
@@ -35,16 +33,16 @@ CLI::App* DiscCommand::AddTo(CLI::App& program) {
         std::make_unique<DiscViewerCommand>(), std::make_unique<DiscBurnCommand>(),
         std::make_unique<DiscClearCommand>()};
     for (auto& command : commands) {
-        CLI::App* own = command->AddTo(*app);
+        CommandLine own = command->AddTo(line);
         fCommands.emplace_back(own, std::move(command));
     }
-    return app;
+    return line;
 }
 
 ExitStatus DiscCommand::Run(Console& console) {
     ExitStatus status = ExitStatus::kDone;
-    for (const auto& [app, command] : fCommands) {
-        if (app->parsed()) status = command->Run(console);
+    for (const auto& [line, command] : fCommands) {
+        if (line.IsGiven()) status = command->Run(console);
     }
     return status;
 }

@@ -11,11 +11,11 @@ namespace VantorCli {
 // vantor disc: its own commands stage files for a disc and burn it.
 class DiscCommand : public Command {
   public:
-    CLI::App* AddTo(CLI::App& program) override;
+    CommandLine AddTo(const CommandLine& program) override;
     ExitStatus Run(Console& console) override;
 
   private:
-    std::vector<std::pair<CLI::App*, std::unique_ptr<Command>>> fCommands;
+    std::vector<std::pair<CommandLine, std::unique_ptr<Command>>> fCommands;
 };
 
 }  // namespace VantorCli

@@ -1,6 +1,5 @@
 #include "cli/DiscStageCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <system_error>
 
@@ -45,18 +44,18 @@ std::shared_ptr<DicomDirectory> OpenOrMakeStaging(DirectoriesMgr& manager, const
 
 }  // namespace
 
-CLI::App* DiscStageCommand::AddTo(CLI::App& disc) {
-    CLI::App* app = disc.add_subcommand("stage", "Copy series into the staging area");
-    app->add_option("PATH", fPath, "A DICOMDIR, a folder, or a DICOM file")->required()->type_name("");
-    fCopying.AddOptions(*app);
-    app->footer(
+CommandLine DiscStageCommand::AddTo(const CommandLine& disc) {
+    const CommandLine line = disc.AddCommand("stage", "Copy series into the staging area");
+    line.AddArgument("PATH", fPath, "A DICOMDIR, a folder, or a DICOM file");
+    fCopying.AddOptions(line);
+    line.SetFooter(
         "They join what is staged already; a series that is there is not copied again. The first ones give\n"
         "the disc its name: the File-set ID of their DICOMDIR, or one after their folder.\n"
         "\n"
         "Example:\n"
         "  vantor disc stage EXAM --all\n"
         "  vantor disc stage EXAM --series 1.2.3.4 1.2.3.5");
-    return app;
+    return line;
 }
 
 ExitStatus DiscStageCommand::Run(Console& console) {

@@ -10,7 +10,7 @@ namespace VantorCli {
 // vantor disc stage: copies series into the staging area.
 class DiscStageCommand : public Command {
   public:
-    CLI::App* AddTo(CLI::App& disc) override;
+    CommandLine AddTo(const CommandLine& disc) override;
     ExitStatus Run(Console& console) override;
 
   private:

@@ -1,7 +1,5 @@
 #include "cli/DiscStatusCommand.h"
 
-#include <CLI/CLI.hpp>
-
 #include "cli/Columns.h"
 #include "cli/Console.h"
 #include "cli/Json.h"
@@ -51,16 +49,17 @@ Columns ToColumns(const DiscStatus& status) {
 
 }  // namespace
 
-CLI::App* DiscStatusCommand::AddTo(CLI::App& disc) {
-    CLI::App* app = disc.add_subcommand("status", "Show whether discs can be burned, and what is staged");
-    app->add_flag("--json", fIsJson, "One JSON object");
-    app->footer(
+CommandLine DiscStatusCommand::AddTo(const CommandLine& disc) {
+    const CommandLine line =
+        disc.AddCommand("status", "Show whether discs can be burned, and what is staged");
+    line.AddFlag("--json", fIsJson, "One JSON object");
+    line.SetFooter(
         "The drive and the staging area are those that the other commands use. Nothing is staged when there\n"
         "is no DICOMDIR in the staging area. vantor tree shows what one holds.\n"
         "\n"
         "Example:\n"
         "  vantor disc status");
-    return app;
+    return line;
 }
 
 ExitStatus DiscStatusCommand::Run(Console& console) {

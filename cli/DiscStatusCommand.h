@@ -7,7 +7,7 @@ namespace VantorCli {
 // vantor disc status: whether discs can be burned, and what is staged.
 class DiscStatusCommand : public Command {
   public:
-    CLI::App* AddTo(CLI::App& disc) override;
+    CommandLine AddTo(const CommandLine& disc) override;
     ExitStatus Run(Console& console) override;
 
   private:

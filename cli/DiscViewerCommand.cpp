@@ -1,7 +1,5 @@
 #include "cli/DiscViewerCommand.h"
 
-#include <CLI/CLI.hpp>
-
 #include "cli/CommandError.h"
 #include "cli/Console.h"
 #include "cli/Paths.h"
@@ -22,17 +20,17 @@ bool HasOwnDicomdir(const HostString& root) {
 
 }  // namespace
 
-CLI::App* DiscViewerCommand::AddTo(CLI::App& disc) {
-    CLI::App* app = disc.add_subcommand("viewer", "Put a player into the staging area");
-    app->add_option("ROOT", fRoot, "The folder that has the player")->required()->type_name("");
-    app->footer(
+CommandLine DiscViewerCommand::AddTo(const CommandLine& disc) {
+    const CommandLine line = disc.AddCommand("viewer", "Put a player into the staging area");
+    line.AddArgument("ROOT", fRoot, "The folder that has the player");
+    line.SetFooter(
         "All that is in the folder ViewerFiles in ROOT goes to the root of the disc: the player, which is "
         "the\n"
         "folder Viewer in there, and the files beside it that start and describe it.\n"
         "\n"
         "Example:\n"
         "  vantor disc viewer /opt/workstation");
-    return app;
+    return line;
 }
 
 ExitStatus DiscViewerCommand::Run(Console& console) {

@@ -9,7 +9,7 @@ namespace VantorCli {
 // vantor disc viewer: puts a player into the staging area.
 class DiscViewerCommand : public Command {
   public:
-    CLI::App* AddTo(CLI::App& disc) override;
+    CommandLine AddTo(const CommandLine& disc) override;
     ExitStatus Run(Console& console) override;
 
   private:

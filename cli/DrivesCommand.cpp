@@ -1,7 +1,5 @@
 #include "cli/DrivesCommand.h"
 
-#include <CLI/CLI.hpp>
-
 #include "cli/Console.h"
 #include "cli/Json.h"
 #include "cli/Table.h"
@@ -53,10 +51,10 @@ void AddRow(Table& table, const DriveInfo& drive) {
 
 }  // namespace
 
-CLI::App* DrivesCommand::AddTo(CLI::App& program) {
-    CLI::App* app = program.add_subcommand("drives", "List the drives of this computer");
-    app->add_flag("--json", fIsJson, "One JSON object a line for each drive");
-    app->footer(
+CommandLine DrivesCommand::AddTo(const CommandLine& program) {
+    const CommandLine line = program.AddCommand("drives", "List the drives of this computer");
+    line.AddFlag("--json", fIsJson, "One JSON object a line for each drive");
+    line.SetFooter(
         "Name, type, file system and label of each drive. One without a medium is not ready. Where drives "
         "are\n"
         "folders, the environment variable VANTOR_DRIVES may name others, with colons between them, each as\n"
@@ -64,7 +62,7 @@ CLI::App* DrivesCommand::AddTo(CLI::App& program) {
         "\n"
         "Example:\n"
         "  vantor drives");
-    return app;
+    return line;
 }
 
 ExitStatus DrivesCommand::Run(Console& console) {

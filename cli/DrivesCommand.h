@@ -7,7 +7,7 @@ namespace VantorCli {
 // vantor drives: the drives of this computer.
 class DrivesCommand : public Command {
   public:
-    CLI::App* AddTo(CLI::App& program) override;
+    CommandLine AddTo(const CommandLine& program) override;
     ExitStatus Run(Console& console) override;
 
   private:

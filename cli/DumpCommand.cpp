@@ -1,6 +1,5 @@
 #include "cli/DumpCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -82,14 +81,13 @@ void PrintLines(std::string_view text, Console& console) {
 
 }  // namespace
 
-CLI::App* DumpCommand::AddTo(CLI::App& program) {
-    CLI::App* app = program.add_subcommand("dump", "Show every element of a DICOM file");
-    app->add_option("FILE", fFile, "A DICOM file")->required()->type_name("");
-    app->add_option("--dictionary", fDictionaryFile,
-                    "A text file that names the elements, with entries such as\n"
-                    "(0010,0020) VR=\"LO\" Name=\"Patient ID\"")
-        ->type_name("FILE");
-    app->footer(
+CommandLine DumpCommand::AddTo(const CommandLine& program) {
+    const CommandLine line = program.AddCommand("dump", "Show every element of a DICOM file");
+    line.AddArgument("FILE", fFile, "A DICOM file");
+    line.AddOption("--dictionary", "FILE", fDictionaryFile,
+                   "A text file that names the elements, with entries such as\n"
+                   "(0010,0020) VR=\"LO\" Name=\"Patient ID\"");
+    line.SetFooter(
         "One line an element: group (when it changes), element, VR, length in hexadecimal, value. The "
         "file's\n"
         "meta information comes first, and the items of a sequence are indented below it. Files without VRs\n"
@@ -98,7 +96,7 @@ CLI::App* DumpCommand::AddTo(CLI::App& program) {
         "Example:\n"
         "  vantor dump EXAM/IMAGE0001.dcm\n"
         "  vantor dump --dictionary dictionary.txt EXAM/IMAGE0001.dcm");
-    return app;
+    return line;
 }
 
 ExitStatus DumpCommand::Run(Console& console) {

@@ -9,7 +9,7 @@ namespace VantorCli {
 // vantor dump: every element of a file.
 class DumpCommand : public Command {
   public:
-    CLI::App* AddTo(CLI::App& program) override;
+    CommandLine AddTo(const CommandLine& program) override;
     ExitStatus Run(Console& console) override;
 
   private:

@@ -1,6 +1,5 @@
 #include "cli/InfoCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <optional>
 
@@ -131,18 +130,18 @@ Columns ToColumns(const HostString& path, const FileAttributes& file) {
 
 }  // namespace
 
-CLI::App* InfoCommand::AddTo(CLI::App& program) {
-    CLI::App* app = program.add_subcommand("info", "Show the identifying attributes of DICOM files");
-    app->add_option("FILE", fFiles, "DICOM files")->required()->type_name("");
-    app->add_flag("--json", fIsJson, "One JSON object a line for each file");
-    app->footer(
+CommandLine InfoCommand::AddTo(const CommandLine& program) {
+    const CommandLine line = program.AddCommand("info", "Show the identifying attributes of DICOM files");
+    line.AddArgument("FILE", fFiles, "DICOM files");
+    line.AddFlag("--json", fIsJson, "One JSON object a line for each file");
+    line.SetFooter(
         "Only attributes that a file has are shown. A file that cannot be read is reported, the others are\n"
         "shown all the same, and the exit status is 1.\n"
         "\n"
         "Example:\n"
         "  vantor info EXAM/IMAGE0001.dcm EXAM/IMAGE0002.dcm\n"
         "  vantor info --json EXAM/*.dcm > exam.jsonl");
-    return app;
+    return line;
 }
 
 ExitStatus InfoCommand::Run(Console& console) {

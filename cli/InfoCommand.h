@@ -11,7 +11,7 @@ namespace VantorCli {
 // vantor info: the identifying attributes of files.
 class InfoCommand : public Command {
   public:
-    CLI::App* AddTo(CLI::App& program) override;
+    CommandLine AddTo(const CommandLine& program) override;
     ExitStatus Run(Console& console) override;
 
   private:

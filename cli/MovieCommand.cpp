@@ -1,7 +1,7 @@
 #include "cli/MovieCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
 #include <optional>
 #include <system_error>
 
@@ -43,7 +43,10 @@ std::string ProblemOfCodec(const std::string& name) {
 
 std::string ProblemOfQuality(const std::string& text) {
     constexpr int kBest = 100;
-    return CLI::Range(0, kBest)(text).empty() ? "" : "the quality is 0 to 100";
+    int quality = -1;
+    const char* end = text.data() + text.size();
+    const bool isNumber = std::from_chars(text.data(), end, quality).ptr == end;
+    return isNumber && quality >= 0 && quality <= kBest ? "" : "the quality is 0 to 100";
 }
 
 std::string UpperCase(std::string text) {
@@ -79,22 +82,20 @@ int32_t CountFrames(const std::vector<std::unique_ptr<FileImage>>& images) {
 
 }  // namespace
 
-CLI::App* MovieCommand::AddTo(CLI::App& program) {
-    CLI::App* app = program.add_subcommand("movie", "Record up to six loops side by side into an AVI movie");
-    app->add_option("OUT", fPath, "The movie to be made")->required()->type_name("");
-    app->add_option("FILE", fFiles, "One to six DICOM images")->required()->type_name("");
-    app->add_option("--codec", fCodec, "The compressor, of those that vantor codecs lists;\nwithout, none")
-        ->type_name("FOURCC")
-        ->check(ProblemOfCodec, "");
-    app->add_option("--quality", fQuality, "Of what is compressed, 0 to 100; without, 85")
-        ->type_name("NUMBER")
-        ->check(ProblemOfQuality, "");
-    app->add_flag("--force", fIsForced, "Replace a file that is there");
-    app->add_flag("--json", fIsJson, "One JSON object");
-    app->final_callback([this] {
-        if (fFiles.size() > kMostFiles) throw CLI::ValidationError("FILE", "a movie shows up to six images");
-    });
-    app->footer(
+CommandLine MovieCommand::AddTo(const CommandLine& program) {
+    const CommandLine line =
+        program.AddCommand("movie", "Record up to six loops side by side into an AVI movie");
+    line.AddArgument("OUT", fPath, "The movie to be made");
+    line.AddArgument("FILE", fFiles, "One to six DICOM images");
+    line.AddOption("--codec", "FOURCC", fCodec,
+                   "The compressor, of those that vantor codecs lists;\nwithout, none")
+        .Check(ProblemOfCodec);
+    line.AddOption("--quality", "NUMBER", fQuality, "Of what is compressed, 0 to 100; without, 85")
+        .Check(ProblemOfQuality);
+    line.AddFlag("--force", fIsForced, "Replace a file that is there");
+    line.AddFlag("--json", fIsJson, "One JSON object");
+    line.Check([this] { return fFiles.size() > kMostFiles ? "FILE: a movie shows up to six images" : ""; });
+    line.SetFooter(
         "The images stand in a grid: two side by side, three and four in two rows, more in three columns. "
         "Each\n"
         "frame of the movie shows all loops at the same point of their cycle, and the movie is as fast as "
@@ -105,7 +106,7 @@ CLI::App* MovieCommand::AddTo(CLI::App& program) {
         "Example:\n"
         "  vantor movie stress.avi EXAM/REST.dcm EXAM/PEAK.dcm\n"
         "  vantor movie loop.avi EXAM/LOOP.dcm --codec MJPG --quality 90");
-    return app;
+    return line;
 }
 
 ExitStatus MovieCommand::Run(Console& console) {

@@ -16,7 +16,7 @@ class FileImage;
 // vantor movie: records images side by side into an AVI movie.
 class MovieCommand : public Command {
   public:
-    CLI::App* AddTo(CLI::App& program) override;
+    CommandLine AddTo(const CommandLine& program) override;
     ExitStatus Run(Console& console) override;
 
   private:

@@ -1,5 +1,6 @@
 #include "cli/Program.h"
 
+#include <CLI/CLI.hpp>
 #include <new>
 #include <string_view>
 
@@ -62,19 +63,20 @@ void CompleteHelp(CLI::App& app) {
 
 }  // namespace
 
-Program::Program() : fApp("Vantor: DICOM media for review workstations", "vantor") {
-    fApp.set_version_flag("--version", "vantor " VANTOR_VERSION, "Show the version and exit");
-    fApp.set_help_flag("-h,--help", "Show this help and exit; each command has a help of its own");
-    fApp.add_option("--trace", fTraceLevel, "Show the library's trace lines up to this level")
+Program::Program()
+    : fApp(std::make_unique<CLI::App>("Vantor: DICOM media for review workstations", "vantor")) {
+    fApp->set_version_flag("--version", "vantor " VANTOR_VERSION, "Show the version and exit");
+    fApp->set_help_flag("-h,--help", "Show this help and exit; each command has a help of its own");
+    fApp->add_option("--trace", fTraceLevel, "Show the library's trace lines up to this level")
         ->type_name("LEVEL")
         ->check(CLI::IsMember(TraceLevelNames()));
-    fApp.get_formatter()->label("SUBCOMMAND", "COMMAND");
-    fApp.get_formatter()->label("Positionals", "Arguments");
-    fApp.get_formatter()->label("REQUIRED", "");
-    fApp.allow_windows_style_options(false);  // /exam/file.dcm is a path everywhere
-    fApp.require_subcommand(1);
-    fApp.fallthrough();
-    fApp.footer(
+    fApp->get_formatter()->label("SUBCOMMAND", "COMMAND");
+    fApp->get_formatter()->label("Positionals", "Arguments");
+    fApp->get_formatter()->label("REQUIRED", "");
+    fApp->allow_windows_style_options(false);  // /exam/file.dcm is a path everywhere
+    fApp->require_subcommand(1);
+    fApp->fallthrough();
+    fApp->footer(
         "The exit status is 0 when all is done, 1 when something failed, 2 for a wrong command line.\n"
         "\n"
         "Example:\n"
@@ -97,10 +99,12 @@ Program::Program() : fApp("Vantor: DICOM media for review workstations", "vantor
     Add(std::make_unique<DiscCommand>());
 }
 
+Program::~Program() = default;
+
 void Program::Add(std::unique_ptr<Command> command) {
-    CLI::App* app = command->AddTo(fApp);
-    CompleteHelp(*app);
-    fCommands.emplace_back(app, std::move(command));
+    const CommandLine line = command->AddTo(CommandLine(*fApp));
+    CompleteHelp(line.GetApp());
+    fCommands.emplace_back(line, std::move(command));
 }
 
 // Whatever goes wrong is one line and a status, never a program that is ended by the system.
@@ -124,7 +128,7 @@ ExitStatus Program::Run(int argumentCount, char** arguments) {
 
 ExitStatus Program::ParseAndRun(int argumentCount, char** arguments) {
     try {
-        fApp.parse(argumentCount, arguments);
+        fApp->parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {
         return ReportParseError(error);
     }
@@ -134,10 +138,10 @@ ExitStatus Program::ParseAndRun(int argumentCount, char** arguments) {
 // Help and version come as exceptions too; they are no errors.
 ExitStatus Program::ReportParseError(const CLI::ParseError& error) {
     if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
-        return fApp.exit(error) == 0 ? ExitStatus::kDone : ExitStatus::kFailed;
+        return fApp->exit(error) == 0 ? ExitStatus::kDone : ExitStatus::kFailed;
     }
-    CLI::App* command = &fApp;
-    std::string name = fApp.get_name();
+    CLI::App* command = fApp.get();
+    std::string name = fApp->get_name();
     while (!command->get_subcommands().empty()) {
         command = command->get_subcommands().front();
         name += " " + command->get_name();
@@ -148,7 +152,7 @@ ExitStatus Program::ReportParseError(const CLI::ParseError& error) {
 }
 
 std::string Program::ProblemWithoutCommand(const CLI::ParseError& error) const {
-    const std::vector<std::string> unknown = fApp.remaining();
+    const std::vector<std::string> unknown = fApp->remaining();
     if (!unknown.empty()) return "no such command or option: " + unknown.front();
     return error.get_name() == kRequiredError ? "a command is required" : error.what();
 }
@@ -168,8 +172,8 @@ ExitStatus Program::RunCommand() {
     VantorHost::DamagedDirectory::SetHandler(ThrowFinding);
     MotionJpeg::Register();
     ExitStatus status = ExitStatus::kDone;
-    for (const auto& [app, command] : fCommands) {
-        if (app->parsed()) status = command->Run(fConsole);
+    for (const auto& [line, command] : fCommands) {
+        if (line.IsGiven()) status = command->Run(fConsole);
     }
     fConsole.Flush();
     return status;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
 #include <utility>
@@ -9,12 +8,18 @@
 #include "cli/Command.h"
 #include "cli/Console.h"
 
+namespace CLI {
+class App;
+class ParseError;
+}  // namespace CLI
+
 namespace VantorCli {
 
 // The program: its command line, and the run of the command that it asks for.
 class Program {
   public:
     Program();
+    ~Program();
 
     ExitStatus Run(int argumentCount, char** arguments);
 
@@ -26,9 +31,9 @@ class Program {
     std::string ProblemWithoutCommand(const CLI::ParseError& error) const;
     void StartTracing();
 
-    CLI::App fApp;
+    std::unique_ptr<CLI::App> fApp;
     Console fConsole;
-    std::vector<std::pair<CLI::App*, std::unique_ptr<Command>>> fCommands;
+    std::vector<std::pair<CommandLine, std::unique_ptr<Command>>> fCommands;
     std::string fTraceLevel;
 };
 

@@ -1,7 +1,5 @@
 #include "cli/SaveAsCommand.h"
 
-#include <CLI/CLI.hpp>
-
 #include "cli/AttributeText.h"
 #include "cli/Directories.h"
 #include "cli/SeriesSaving.h"
@@ -20,22 +18,22 @@ constexpr wchar_t kAnonymousID[] = L"ANONYMOUS";
 
 }  // namespace
 
-CLI::App* SaveAsCommand::AddTo(CLI::App& program) {
-    CLI::App* app =
-        program.add_subcommand("save-as", "Save a copy of the images of a series as a new series");
-    app->add_option("PATH", fPath, "A DICOMDIR, a folder, or a DICOM file")->required()->type_name("");
-    app->add_option("--series", fSeries, "The series to be copied")->required()->type_name("UID");
-    app->add_option("--to", fDestination,
-                    "The DICOMDIR that takes the copy, or the folder that\nholds it; may be PATH")
-        ->required()
-        ->type_name("DESTINATION");
-    AddTexts(*app);
-    app->add_flag("--new-study", fIsNewStudy, "Put the copy into a new study");
-    auto* anonymous = app->add_flag("--anonymous", fIsAnonymous, "Take out of the images who the patient is");
-    app->add_flag("--erase-physicians", fErasesPhysicians, "The names of physicians and operators as well")
-        ->needs(anonymous);
-    app->add_flag("--json", fIsJson, "One JSON object, with the UID of the new series");
-    app->footer(
+CommandLine SaveAsCommand::AddTo(const CommandLine& program) {
+    const CommandLine line =
+        program.AddCommand("save-as", "Save a copy of the images of a series as a new series");
+    line.AddArgument("PATH", fPath, "A DICOMDIR, a folder, or a DICOM file");
+    line.AddOption("--series", "UID", fSeries, "The series to be copied").Require();
+    line.AddOption("--to", "DESTINATION", fDestination,
+                   "The DICOMDIR that takes the copy, or the folder that\nholds it; may be PATH")
+        .Require();
+    AddTexts(line);
+    line.AddFlag("--new-study", fIsNewStudy, "Put the copy into a new study");
+    const auto anonymous =
+        line.AddFlag("--anonymous", fIsAnonymous, "Take out of the images who the patient is");
+    line.AddFlag("--erase-physicians", fErasesPhysicians, "The names of physicians and operators as well")
+        .Need(anonymous);
+    line.AddFlag("--json", fIsJson, "One JSON object, with the UID of the new series");
+    line.SetFooter(
         "The new series and its images have new UIDs; the UID of the series is printed. The images are\n"
         "numbered 1, 2, 3 ... in the order in which vantor tree lists them; their pixels are copied as they\n"
         "are. Reports and raw data of the series are not copied.\n"
@@ -57,10 +55,10 @@ CLI::App* SaveAsCommand::AddTo(CLI::App& program) {
         "Example:\n"
         "  vantor save-as EXAM --series 1.2.3.4 --to /media/usb --anonymous --new-study\n"
         "  vantor save-as EXAM --series 1.2.3.4 --to EXAM --series-description \"Best beats\"");
-    return app;
+    return line;
 }
 
-void SaveAsCommand::AddTexts(CLI::App& app) {
+void SaveAsCommand::AddTexts(const CommandLine& line) {
     const struct {
         const char* fName;
         Text& fText;
@@ -77,14 +75,10 @@ void SaveAsCommand::AddTexts(CLI::App& app) {
         {"--series-description", fSeriesDescription, "The series' description", ProblemOfLongText},
     };
     for (const auto& text : texts) {
-        app.add_option_function<std::string>(
-               text.fName,
-               [&field = text.fText](const std::string& given) {
-                   field = Vantor::Platform::ToHostText(given);
-               },
-               text.fHelp)
-            ->type_name("TEXT")
-            ->check(text.fProblemOf, "");
+        const auto take = [&field = text.fText](const std::string& given) {
+            field = Vantor::Platform::ToHostText(given);
+        };
+        line.AddOption(text.fName, "TEXT", take, text.fHelp).Check(text.fProblemOf);
     }
 }
 

@@ -18,13 +18,13 @@ namespace VantorCli {
 // vantor save-as: saves a copy of the images of a series as a new series.
 class SaveAsCommand : public Command {
   public:
-    CLI::App* AddTo(CLI::App& program) override;
+    CommandLine AddTo(const CommandLine& program) override;
     ExitStatus Run(Console& console) override;
 
   private:
     using Text = std::optional<HostString>;  // none when it is not given
 
-    void AddTexts(CLI::App& app);
+    void AddTexts(const CommandLine& line);
     VantorWrappers::SaveAsInfo MakeInfo(const VantorWrappers::SeriesDirRec& series) const;
     void TakeSource(const VantorWrappers::SeriesDirRec& series, VantorWrappers::SaveAsInfo& info) const;
     void TakeGiven(VantorWrappers::SaveAsInfo& info) const;

@@ -1,7 +1,5 @@
 #include "cli/SaveCommand.h"
 
-#include <CLI/CLI.hpp>
-
 #include "cli/Directories.h"
 #include "cli/SeriesSaving.h"
 
@@ -9,13 +7,14 @@ namespace VantorCli {
 
 using VantorWrappers::SeriesSaver;
 
-CLI::App* SaveCommand::AddTo(CLI::App& program) {
-    CLI::App* app = program.add_subcommand("save", "Save the images of a series in place, numbered anew");
-    app->add_option("PATH", fPath, "A DICOMDIR, or the folder that holds it")->required()->type_name("");
-    app->add_option("--series", fSeries, "The series to be saved")->required()->type_name("UID");
-    app->add_flag("--new-uids", fHasNewUIDs, "Give each image a new SOP instance UID");
-    app->add_flag("--json", fIsJson, "One JSON object");
-    app->footer(
+CommandLine SaveCommand::AddTo(const CommandLine& program) {
+    const CommandLine line =
+        program.AddCommand("save", "Save the images of a series in place, numbered anew");
+    line.AddArgument("PATH", fPath, "A DICOMDIR, or the folder that holds it");
+    line.AddOption("--series", "UID", fSeries, "The series to be saved").Require();
+    line.AddFlag("--new-uids", fHasNewUIDs, "Give each image a new SOP instance UID");
+    line.AddFlag("--json", fIsJson, "One JSON object");
+    line.SetFooter(
         "The images get the numbers 1, 2, 3 ... in the order in which vantor tree lists them, in their "
         "files\n"
         "and in the DICOMDIR. All else in the files stays as it is, but for references from one of them to\n"
@@ -26,7 +25,7 @@ CLI::App* SaveCommand::AddTo(CLI::App& program) {
         "Example:\n"
         "  vantor save EXAM --series 1.2.3.4\n"
         "  vantor save EXAM --series 1.2.3.4 --new-uids --json");
-    return app;
+    return line;
 }
 
 ExitStatus SaveCommand::Run(Console& console) {

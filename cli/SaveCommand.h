@@ -9,7 +9,7 @@ namespace VantorCli {
 // vantor save: saves the images of a series in place, numbered anew.
 class SaveCommand : public Command {
   public:
-    CLI::App* AddTo(CLI::App& program) override;
+    CommandLine AddTo(const CommandLine& program) override;
     ExitStatus Run(Console& console) override;
 
   private:

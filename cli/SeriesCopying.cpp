@@ -1,6 +1,5 @@
 #include "cli/SeriesCopying.h"
 
-#include <CLI/CLI.hpp>
 #include <cstdint>
 
 #include "cli/CommandError.h"
@@ -93,13 +92,11 @@ bool IsEndOfAll(const LuminaError& error) {
 
 }  // namespace
 
-void SeriesCopying::AddOptions(CLI::App& app) {
-    auto* series = app.add_option("--series", fSeries, "The series to be copied")->type_name("UID");
-    app.add_flag("--all", fIsAll, "Copy all series")->excludes(series);
-    app.add_flag("--json", fIsJson, "One JSON object a line for each series");
-    app.final_callback([this] {
-        if (fSeries.empty() && !fIsAll) throw CLI::RequiredError("--series or --all");
-    });
+void SeriesCopying::AddOptions(const CommandLine& line) {
+    const auto series = line.AddOption("--series", "UID", fSeries, "The series to be copied");
+    line.AddFlag("--all", fIsAll, "Copy all series").Exclude(series);
+    line.AddFlag("--json", fIsJson, "One JSON object a line for each series");
+    line.Check([this] { return fSeries.empty() && !fIsAll ? "--series or --all is required" : ""; });
 }
 
 std::optional<std::vector<SeriesDirRec>> SeriesCopying::Choose(const DicomDirectory& source,

@@ -4,13 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "cli/CommandLine.h"
 #include "cli/ExitStatus.h"
 #include "wrappers/DicomDirectory.h"
 #include "wrappers/SeriesDirRec.h"
-
-namespace CLI {
-class App;
-}
 
 namespace VantorCli {
 
@@ -20,7 +17,7 @@ class Console;
 class SeriesCopying {
   public:
     // Which series, and the form of what is told of them. This object must outlive the command line.
-    void AddOptions(CLI::App& app);
+    void AddOptions(const CommandLine& line);
 
     // The series that are asked for. None when one of them is not there: each that is not is reported. Ends
     // the command when there are no series at all.

@@ -1,6 +1,5 @@
 #include "cli/SrCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <chrono>
 #include <optional>
 
@@ -75,12 +74,13 @@ void PrintErrorAsJson(const HostString& path, const std::string& error, Console&
 
 }  // namespace
 
-CLI::App* SrCommand::AddTo(CLI::App& program) {
-    CLI::App* app = program.add_subcommand("sr", "Show a structured report: header, template and content");
-    app->add_option("FILE", fFile, "A DICOM structured report")->required()->type_name("");
-    app->add_flag("--json", fIsJson, "One JSON object");
-    app->add_flag("--codes", fIsWithCodes, "Show node numbers and the codes behind names and values as well");
-    app->footer(
+CommandLine SrCommand::AddTo(const CommandLine& program) {
+    const CommandLine line =
+        program.AddCommand("sr", "Show a structured report: header, template and content");
+    line.AddArgument("FILE", fFile, "A DICOM structured report");
+    line.AddFlag("--json", fIsJson, "One JSON object");
+    line.AddFlag("--codes", fIsWithCodes, "Show node numbers and the codes behind names and values as well");
+    line.SetFooter(
         "Items stand below the one they belong to. Those that describe it, such as the site or the method "
         "of\n"
         "a measurement, are marked with \"-\", and those that it was derived from with \"from\". When an "
@@ -92,7 +92,7 @@ CLI::App* SrCommand::AddTo(CLI::App& program) {
         "  vantor sr EXAM/REPORT01.dcm\n"
         "  vantor sr --codes EXAM/REPORT01.dcm\n"
         "  vantor sr --json EXAM/REPORT01.dcm > report.json");
-    return app;
+    return line;
 }
 
 ExitStatus SrCommand::Run(Console& console) {

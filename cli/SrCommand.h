@@ -10,7 +10,7 @@ namespace VantorCli {
 // vantor sr: a structured report's header, template and content.
 class SrCommand : public Command {
   public:
-    CLI::App* AddTo(CLI::App& program) override;
+    CommandLine AddTo(const CommandLine& program) override;
     ExitStatus Run(Console& console) override;
 
   private:

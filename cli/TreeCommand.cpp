@@ -1,7 +1,5 @@
 #include "cli/TreeCommand.h"
 
-#include <CLI/CLI.hpp>
-
 #include "cli/Console.h"
 #include "cli/Directories.h"
 #include "cli/TreeJson.h"
@@ -9,12 +7,12 @@
 
 namespace VantorCli {
 
-CLI::App* TreeCommand::AddTo(CLI::App& program) {
-    CLI::App* app =
-        program.add_subcommand("tree", "Show the patients, studies, series and instances of a directory");
-    app->add_option("PATH", fPath, "A DICOMDIR, a folder, or a DICOM file")->required()->type_name("");
-    app->add_flag("--json", fIsJson, "One JSON object");
-    app->footer(
+CommandLine TreeCommand::AddTo(const CommandLine& program) {
+    const CommandLine line =
+        program.AddCommand("tree", "Show the patients, studies, series and instances of a directory");
+    line.AddArgument("PATH", fPath, "A DICOMDIR, a folder, or a DICOM file");
+    line.AddFlag("--json", fIsJson, "One JSON object");
+    line.SetFooter(
         "Of a folder, the DICOMDIR in it is shown; when there is none, the DICOM files in it and in the "
         "folders\n"
         "below it.\n"
@@ -22,7 +20,7 @@ CLI::App* TreeCommand::AddTo(CLI::App& program) {
         "Example:\n"
         "  vantor tree /media/cdrom\n"
         "  vantor tree --json EXAM/DICOMDIR");
-    return app;
+    return line;
 }
 
 ExitStatus TreeCommand::Run(Console& console) {

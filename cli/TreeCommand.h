@@ -9,7 +9,7 @@ namespace VantorCli {
 // vantor tree: the patients, studies, series and instances of a directory.
 class TreeCommand : public Command {
   public:
-    CLI::App* AddTo(CLI::App& program) override;
+    CommandLine AddTo(const CommandLine& program) override;
     ExitStatus Run(Console& console) override;
 
   private:

@@ -16,6 +16,11 @@ else()
     target_compile_options(vantor_settings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 endif()
 
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    # This version sees an overlapping copy where a text is put before a string (GCC's bug 105651).
+    target_compile_options(vantor_settings INTERFACE -Wno-restrict)
+endif()
+
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT WIN32)
     # Nobody puts functions of their own in place of the library's, so it may call and inline them directly.
     target_compile_options(vantor_settings INTERFACE -fno-semantic-interposition)
