@@ -26,6 +26,10 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT WIN32)
     target_compile_options(vantor_settings INTERFACE -fno-semantic-interposition)
 endif()
 
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    target_compile_options(vantor_settings INTERFACE -Wreserved-identifier)
+endif()
+
 if(VANTOR_SANITIZE)
     set(VANTOR_SANITIZERS -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_compile_options(vantor_settings INTERFACE ${VANTOR_SANITIZERS})
